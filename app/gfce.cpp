@@ -1,0 +1,57 @@
+#include "gfce.hpp"
+
+#include "prim.hpp"
+
+void gfce_g15_id(const BasisFunction* function, unsigned* lx, unsigned* ly, unsigned* lz) {
+  const int component = function->component;
+  if (component >= 0 && component < static_cast<int>(g15_powers.size())) {
+    const Powers& powers = g15_powers[static_cast<std::size_t>(component)];
+    *lx = powers.x;
+    *ly = powers.y;
+    *lz = powers.z;
+  }
+}
+
+double gfce_g15(const BasisFunction* function, unsigned i, const double* point) {
+  return prim_of_type(4, function, i, point);
+}
+
+double gfce_g9(const BasisFunction* function, unsigned i, const double* point) {
+  return prim_of_type(-4, function, i, point);
+}
+
+double gfce_g9_z4z2r2r4(const BasisFunction* function, unsigned i, const double* point) {
+  return prim_with(function, i, point, g9_z4z2r2r4);
+}
+
+double gfce_g9_z3xr2xz(const BasisFunction* function, unsigned i, const double* point) {
+  return prim_with(function, i, point, g9_z3xr2xz);
+}
+
+double gfce_g9_z3yr2yz(const BasisFunction* function, unsigned i, const double* point) {
+  return prim_with(function, i, point, g9_z3yr2yz);
+}
+
+double gfce_g9_x2y2z2(const BasisFunction* function, unsigned i, const double* point) {
+  return prim_with(function, i, point, g9_x2y2z2);
+}
+
+double gfce_g9_xyz2xyr2(const BasisFunction* function, unsigned i, const double* point) {
+  return prim_with(function, i, point, g9_xyz2xyr2);
+}
+
+double gfce_g9_x3zy2xz(const BasisFunction* function, unsigned i, const double* point) {
+  return prim_with(function, i, point, g9_x3zy2xz);
+}
+
+double gfce_g9_x2yzy3z(const BasisFunction* function, unsigned i, const double* point) {
+  return prim_with(function, i, point, g9_x2yzy3z);
+}
+
+double gfce_g9_x4y4x2y2(const BasisFunction* function, unsigned i, const double* point) {
+  return prim_with(function, i, point, g9_x4y4x2y2);
+}
+
+double gfce_g9_x3yy3x(const BasisFunction* function, unsigned i, const double* point) {
+  return prim_with(function, i, point, g9_x3yy3x);
+}
