@@ -1,0 +1,160 @@
+#include "str_real.hpp"
+
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+namespace {
+
+__extension__ using Wide = unsigned __int128;
+
+// Powers of ten as the text needs them: 10^q = significand · 2^(floor(log2 10^q) - 63), cut off after 64
+// bits.
+constexpr int lowest_power = -323;
+constexpr int highest_power = 329;
+
+constexpr unsigned limb_count = 20;                        // 1280 bits
+using BigInteger = std::array<std::uint64_t, limb_count>;  // lowest limb first
+
+constexpr std::uint64_t top_bits(const BigInteger& number) {
+  unsigned top = limb_count - 1;
+  while (number[top] == 0) {
+    --top;
+  }
+  const int shift = std::countl_zero(number[top]);
+  const Wide pair = (Wide{number[top]} << 64) | (top > 0 ? number[top - 1] : 0);
+  return static_cast<std::uint64_t>((pair << shift) >> 64);
+}
+
+constexpr auto significands = [] {
+  std::array<std::uint64_t, highest_power - lowest_power + 1> table{};
+  BigInteger number{1};
+  for (int power = 0; power <= highest_power; ++power) {
+    table[static_cast<unsigned>(power - lowest_power)] = top_bits(number);
+    std::uint64_t carry = 0;
+    for (std::uint64_t& limb : number) {
+      const Wide product = Wide{limb} * 10 + carry;
+      limb = static_cast<std::uint64_t>(product);
+      carry = static_cast<std::uint64_t>(product >> 64);
+    }
+  }
+  number = {};
+  number[limb_count - 1] = 1;
+  for (int power = -1; power >= lowest_power; --power) {
+    std::uint64_t rest = 0;
+    for (unsigned i = limb_count; i-- > 0;) {
+      const Wide dividend = (Wide{rest} << 64) | number[i];
+      number[i] = static_cast<std::uint64_t>(dividend / 10);
+      rest = static_cast<std::uint64_t>(dividend % 10);
+    }
+    table[static_cast<unsigned>(power - lowest_power)] = top_bits(number);
+  }
+  return table;
+}();
+static_assert(significands[-lowest_power] == 0x8000000000000000 &&
+              significands[1 - lowest_power] == 0xA000000000000000 &&
+              significands[-1 - lowest_power] == 0xCCCCCCCCCCCCCCCC);
+
+constexpr std::uint64_t significand(int power) {
+  return significands[static_cast<unsigned>(power - lowest_power)];
+}
+constexpr bool is_exact(int power) { return power >= 0 && power <= 27; }  // 5^27 < 2^64 < 5^28
+
+// Right for all exponents that a double has: floor(log10 2^n) and floor(log2 10^n).
+constexpr int floor_log10_of_power2(int n) { return (n * 1262611) >> 22; }
+constexpr int floor_log2_of_power10(int n) { return (n * 1741647) >> 19; }
+
+constexpr auto two_digits = [] {
+  std::array<char, 200> table{};
+  for (unsigned i = 0; i < 100; ++i) {
+    table[2 * i] = static_cast<char>('0' + i / 10);
+    table[2 * i + 1] = static_cast<char>('0' + i % 10);
+  }
+  return table;
+}();
+
+// 100000 <= digits <= 999999, value = digits · 10^(exponent - 5).
+void put(bool negative, unsigned digits, int exponent, char* text) {
+  const unsigned magnitude = static_cast<unsigned>(exponent < 0 ? -exponent : exponent);
+  text[0] = ' ';
+  char* const start = magnitude < 100 ? text + 1 : text;
+  start[0] = negative ? '-' : ' ';
+  const unsigned high = digits / 10000, low = digits % 10000;
+  start[1] = two_digits[2 * high];
+  start[2] = '.';
+  start[3] = two_digits[2 * high + 1];
+  std::memcpy(start + 4, &two_digits[2 * (low / 100)], 2);
+  std::memcpy(start + 6, &two_digits[2 * (low % 100)], 2);
+  start[8] = 'e';
+  start[9] = exponent < 0 ? '-' : '+';
+  if (magnitude < 100) {
+    std::memcpy(start + 10, &two_digits[2 * magnitude], 2);
+  } else {
+    start[10] = static_cast<char>('0' + magnitude / 100);
+    std::memcpy(start + 11, &two_digits[2 * (magnitude % 100)], 2);
+  }
+}
+
+// Zero, infinity, NaN, and values too near to a tie of two texts: right-aligned.
+void put_rare(double value, char* text) {
+  std::memset(text, ' ', str_scientific_width);
+  char buffer[32];
+  char* end = buffer;
+  if (std::isfinite(value)) {
+    end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific, 5).ptr;
+  } else {
+    const char* const name = std::isnan(value) ? "nan" : "inf";
+    if (std::signbit(value)) {
+      *end++ = '-';
+    }
+    std::memcpy(end, name, 3);
+    end += 3;
+  }
+  const auto length = static_cast<std::size_t>(end - buffer);
+  std::memcpy(text + str_scientific_width - length, buffer, length);
+}
+
+}  // namespace
+
+void str_scientific(double value, char* text) {
+  const auto bits = std::bit_cast<std::uint64_t>(value);
+  const bool negative = (bits >> 63) != 0;
+  const unsigned biased = static_cast<unsigned>(bits >> 52) & 0x7FF;
+  const std::uint64_t stored = bits & 0xFFFFFFFFFFFFF;
+  if (biased == 0x7FF || (bits << 1) == 0) {
+    put_rare(value, text);
+    return;
+  }
+  // |value| = mantissa · 2^(log2 - 63), mantissa with its top bit set.
+  const std::uint64_t whole = biased == 0 ? stored : stored | (std::uint64_t{1} << 52);
+  const int shift = std::countl_zero(whole);
+  const std::uint64_t mantissa = whole << shift;
+  const int log2 = (biased == 0 ? 1 : static_cast<int>(biased)) - 1012 - shift;
+
+  // The decimal exponent from the binary one, one more where the value reaches the next power of ten.
+  int exponent = floor_log10_of_power2(log2);
+  const int next = exponent + 1;
+  const int same_binade = static_cast<int>(floor_log2_of_power10(next) == log2);
+  exponent += same_binade & static_cast<int>(mantissa >= significand(next) + (is_exact(next) ? 0U : 1U));
+
+  // |value| · 10^(5 - exponent), six digits before the point. What was cut off of the power and of the
+  // product is less than 2 in the last bit of `scaled`.
+  const int power = 5 - exponent;
+  const auto scaled = static_cast<std::uint64_t>((Wide{mantissa} * significand(power)) >> 64);
+  const int point = 62 - log2 - floor_log2_of_power10(power);  // bits of `scaled` after the point
+  const std::uint64_t half = std::uint64_t{1} << (point - 1);
+  const std::uint64_t fraction = scaled & (2 * half - 1);
+  if (fraction - (half - 2) <= 2) {
+    put_rare(value, text);
+    return;
+  }
+  unsigned digits = static_cast<unsigned>(scaled >> point) + (fraction > half ? 1U : 0U);
+  if (digits == 1000000) {
+    digits = 100000;
+    ++exponent;
+  }
+  put(negative, digits, exponent, text);
+}

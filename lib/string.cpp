@@ -1,0 +1,68 @@
+#include "string.hpp"
+
+#include <charconv>
+#include <cstring>
+
+#include "message.hpp"
+
+namespace {
+
+const char* skip(const char* text, const char* characters) { return text + std::strspn(text, characters); }
+
+}  // namespace
+
+unsigned str_unum_len(std::int32_t value) { return str_lunum_len(static_cast<std::uint32_t>(value)); }
+
+unsigned str_lunum_len(std::uint64_t value) {
+  unsigned digits = 0;
+  for (; value != 0; value /= 10) {
+    ++digits;
+  }
+  return digits;
+}
+
+int str_compare(const char* first, const char* second) {
+  if (*first == '\0' || *second == '\0') {
+    return *first == *second;
+  }
+  first = skip(first, " ");
+  second = skip(second, " ");
+  while (*first != '\0' && *first == *second) {
+    ++first;
+    ++second;
+  }
+  return *skip(first, " \n") == '\0' && *skip(second, " \n") == '\0';
+}
+
+double str_dsnum(char* word) {
+  const std::size_t length = std::strlen(word);
+  if (length < 2) {
+    return 0.0;
+  }
+  for (char* letter = word; (letter = std::strpbrk(letter, "Dd")) != nullptr;) {
+    *letter = *letter == 'D' ? 'E' : 'e';
+  }
+  double value = 0.0;
+  const char* const end = word + length;
+  const auto [rest, error] = std::from_chars(word, end, value);
+  if (error == std::errc() && rest == end) {
+    return value;
+  }
+  // All that is not a plain decimal number from end to end: signs, ranges and halves of exponents are the
+  // C library's to judge.
+  if (std::sscanf(word, "%lf", &value) != 1) {
+    char text[256];
+    std::snprintf(text, sizeof text, "cannot convert fortran double precision type \"%s\"", word);
+    msg_fatal(text);
+  }
+  return value;
+}
+
+int str_ffind(std::FILE* stream, const char* needle, char* line) {
+  while (std::fgets(line, str_line_size, stream) != nullptr) {
+    if (std::strstr(line, needle) != nullptr) {
+      return 1;
+    }
+  }
+  return 0;
+}

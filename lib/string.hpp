@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+
+/// Number of decimal digits of the value (a negative one taken as unsigned); 0 for 0.
+unsigned str_unum_len(std::int32_t value);
+unsigned str_lunum_len(std::uint64_t value);
+
+/// 1 if the strings are equal up to blanks before, and blanks and newlines behind them; else 0.
+/// An empty string equals only an empty string.
+int str_compare(const char* first, const char* second);
+
+/// A number in Fortran notation ("0.5D+01"); D and d in the word are replaced by E and e. What follows the
+/// number is ignored; a word of one character is 0.0. Without a number the run ends with
+/// `cannot convert fortran double precision type "WORD"`.
+double str_dsnum(char* word);
+
+inline constexpr unsigned str_line_size = 4096;  // buffer of str_ffind, terminator included
+
+/// Reads lines (pieces of at most 4095 characters) into `line` until one contains `needle`: 1, and it stays
+/// in the buffer; 0 at the end of the stream.
+int str_ffind(std::FILE* stream, const char* needle, char* line);

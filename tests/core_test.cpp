@@ -1,0 +1,389 @@
+// The core library but for the command line: vectors, matrices, strings, elements, stacks, text, geometry.
+
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <numbers>
+#include <sstream>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <vector>
+
+#include "atom.hpp"
+#include "distance.hpp"
+#include "file.hpp"
+#include "icoord.hpp"
+#include "mat_base.hpp"
+#include "mat_print.hpp"
+#include "message.hpp"
+#include "print.hpp"
+#include "stack.hpp"
+#include "str_case.hpp"
+#include "str_file.hpp"
+#include "str_sub.hpp"
+#include "str_trim.hpp"
+#include "string.hpp"
+#include "support.hpp"
+#include "vec_base.hpp"
+#include "vec_oper.hpp"
+
+extern "C" __attribute__((weak)) void __asan_init();  // there in builds with the address sanitizer
+
+namespace {
+
+using Numbers = std::vector<double>;
+constexpr unsigned everything = 0xFFFFFFFF;
+
+// Nothing is tried with the address sanitizer, whose shadow does not fit below the limit.
+void expect_no_memory(const std::function<void()>& call, const std::string& what) {
+  const auto limited = [&] {
+    const rlimit limit = {1U << 30, 1U << 30};
+    setrlimit(RLIMIT_AS, &limit);
+    call();
+  };
+  if (__asan_init == nullptr) {
+    expect_error(limited, "cannot allocate memory for " + what);
+  }
+}
+
+}  // namespace
+
+TEST(Message, HookRunsOncePerErrorAndNotWithinItself) {
+  char inner[] = "inner";
+  msg_error_fce_set([](void*, void* text) { msg_error(static_cast<const char*>(text), 0); }, nullptr, inner);
+  EXPECT_EQ(printed([] { msg_error("outer", 0), msg_error("again", 0); }),
+            "error: outer\nerror: inner\nerror: again\nerror: inner\n");
+  expect_exit([] { msg_error("last", 1); }, 1, "error: last\nerror: inner\n");
+  msg_error_fce_set(nullptr, nullptr, nullptr);
+  EXPECT_EQ(printed([] { msg_warn("w"), msg_debug("no", 0), msg_debug("d", 1), msg_Debug_fce("f", "D"); }),
+            "warning: w\ndebug: d\nDEBUG: f: D\n");
+  EXPECT_EQ(printed([] { msg_Debug("D"); }), "DEBUG: D\n");
+}
+
+TEST(File, FailuresGiveTheirReasons) {
+  const Scratch scratch;
+  const std::string absent = (scratch / "absent").string(), link = (scratch / "link").string();
+  const std::string below = link + "/x", endless(5000, 'x');
+  struct stat status;
+  ASSERT_EQ(symlink("nowhere", link.c_str()), 0);
+  EXPECT_EQ(file_exist(link.c_str()) + file_exist(endless.c_str()) - file_exist(absent.c_str()), 2);
+  EXPECT_EQ(file_stat(link.c_str(), &status, 1), 1);
+  EXPECT_EQ(printed([&] { EXPECT_EQ(file_stat(absent.c_str(), &status, 0), 0); }),
+            "error: cannot get info about " + absent + " (no such file or directory)\n");
+  expect_error([&] { file_open(endless.c_str(), "r"); }, "cannot open file \"" + endless.substr(0, 237));
+  expect_error([&] { file_remove(absent.c_str()); }, "cannot remove file " + absent + " (no such file)");
+  file_remove(link.c_str());
+  write_file(link, "");  // fails if the link is still there
+  expect_error([&] { file_remove(below.c_str()); },
+               "cannot remove file " + below + " (part of path is not a directory)");
+}
+
+TEST(File, ClosingWarnsOfEveryLostWrite) {
+  for (const int mode : {_IOFBF, _IONBF}) {
+    std::FILE* full = file_open("/dev/full", "w");
+    std::setvbuf(full, nullptr, mode, 4096);
+    EXPECT_EQ(printed([=] { std::fputs("lost", full), file_close(full); }),
+              "warning: file closing failured\n");
+  }
+  EXPECT_EQ(printed([] { file_close(file_open_tmp()); }), "");
+}
+
+// One family of typed functions: zeros, filling, first match.
+template <class T, class Alloc, class Set, class In, class Free>
+void expect_family(Alloc alloc, Set set, In in, Free release, T value, const char* name) {
+  T* vector = alloc(5);
+  EXPECT_EQ(std::vector<T>(vector, vector + 5), std::vector<T>(5));
+  set(vector, value, 4);
+  vector[0] = static_cast<T>(value - 1);
+  EXPECT_EQ(in(vector, value, 5), 1U);
+  EXPECT_EQ(in(vector, T{}, 5), 4U);
+  for (const unsigned index : {in(vector, T{}, 4), in(vector, value, 0), in(nullptr, value, 5)}) {
+    EXPECT_EQ(index, vec_not_found);
+  }
+  EXPECT_EQ(release(vector) + release(nullptr) + release(alloc(0)), 0);
+  expect_no_memory([=] { alloc(everything); }, std::string("vector of ") + name);
+}
+
+TEST(Vector, EveryElementTypeStartsZeroAndIsFilledAndFound) {
+  expect_family<double>(vec_falloc, vec_fset, vec_fin, vec_ffree, -0.5, "doubles");
+  expect_family<int>(vec_ialloc, vec_iset, vec_iin, vec_ifree, -2147483647, "int-s");
+  expect_family<unsigned>(vec_ualloc, vec_uset, vec_uin, vec_ufree, 4294967295U, "unsigned int-s");
+  expect_family<unsigned long>(vec_lualloc, vec_luset, vec_luin, vec_lufree, 1UL << 40, "unsigned longs");
+  expect_family<short>(vec_sialloc, vec_siset, vec_siin, vec_sifree, -300, "short int-s");
+  EXPECT_EQ(vec_fin(Numbers(3, std::nan("")).data(), std::nan(""), 3), vec_not_found);
+  expect_no_memory([] { vec_talloc(everything, 1); }, "user defined vector");
+  EXPECT_EQ(vec_tfree(vec_talloc(0x10000, 0x10000)), 0);  // the byte count wraps to 0
+  const int pairs[][2] = {{1, 5}, {2, 6}, {3, 6}}, six = 6;
+  const auto second_is = [](const void* element, const void* key) {
+    return static_cast<int>(static_cast<const int*>(element)[1] == *static_cast<const int*>(key));
+  };
+  EXPECT_EQ(vec_tin(pairs, &six, second_is, sizeof pairs[0], 3), 1U);
+  EXPECT_EQ(vec_tin(pairs, &six, second_is, sizeof pairs[0], 1), vec_not_found);
+}
+
+TEST(Vector, StringsAreFoundAndReduced) {
+  char** strings = vec_salloc(4, 8);
+  EXPECT_EQ(std::string(strings[3], 8), std::string(8, '\0'));
+  std::strcpy(strings[2], "text 2");
+  EXPECT_EQ(vec_sin(strings, "text 2", 4), 2U);
+  EXPECT_EQ(vec_sin(strings, "text", 4), vec_not_found);
+  const unsigned indices[] = {2, 1};
+  char** kept = vec_sreduce(strings, 4, indices, 2, 6);  // cut to five characters
+  EXPECT_STREQ(kept[1], "text ");
+  EXPECT_EQ(vec_sfree(kept, 2) + vec_sfree(nullptr, 2), 0);
+  expect_no_memory([] { vec_salloc(1, everything); }, "string in array");
+}
+
+TEST(Vector, ReducedAndMergedVectorsHoldWhatIsListed) {
+  const unsigned indices[] = {3, 0, 9};  // 9 is no index of the vectors
+  double* doubles = vec_falloc(4);
+  int* ints = vec_ialloc(4);
+  doubles[3] = ints[3] = 7;
+  doubles[0] = ints[0] = 8;
+  doubles = vec_freduce(doubles, 4, indices, 3);
+  ints = vec_ireduce(ints, 4, indices, 3);
+  EXPECT_EQ(Numbers(doubles, doubles + 3), (Numbers{8, 7, 0}));
+  EXPECT_EQ(Numbers(ints, ints + 3), (Numbers{8, 7, 0}));
+  unsigned *a = vec_ualloc(2), *b = vec_ualloc(1);
+  vec_uset(b, 8, 1);
+  EXPECT_EQ(vec_umerge(a, 0, b, 1), b);
+  EXPECT_EQ(vec_umerge(a, 2, b, 0), a);
+  a = vec_umerge(a, 2, b, 1);
+  EXPECT_EQ(Numbers(a, a + 3), (Numbers{0, 0, 8}));
+  EXPECT_EQ(vec_ffree(doubles) + vec_ifree(ints) + vec_ufree(a), 0);
+}
+
+TEST(Vector, OperationsChangeTheirFirstArgument) {
+  const Numbers a = {1, -4, 2}, b = {2, 0.5, -3}, left = {0, -2}, tiny = {0, 1e-10};
+  const std::pair<std::function<void(double*)>, Numbers> rows[] = {
+      {[](double* v) { vec_fscale(v, 2, -2); }, {-6, -8, 12}},
+      {[&](double* v) { vec_fadd(v, a.data(), b.data(), 3); }, {3, -3.5, -1}},
+      {[&](double* v) { vec_fsub(v, a.data(), b.data(), 3); }, {-1, -4.5, 5}},
+      {[&](double* v) { vec_fadd_scaled(v, b.data(), 2, 2); }, {7, 5, 12}},
+      {[](double* v) { vec_frshift(v, 3), vec_frshift(v, 0); }, {0, 3, 4}},
+      {[](double* v) { vec_flshift(v, 3), vec_flshift(v, 0); }, {4, 12, 0}},
+      {[](double* v) { vec_funit(v, 3); }, {3.0 / 13, 4.0 / 13, 12.0 / 13}},
+      {[&](double* v) { vec_funit_c(v, left.data(), 2), vec_funit_c(v, tiny.data(), 2); }, {0, -1, 12}},
+      {[&](double* v) { vec_fprod_vector(a.data(), b.data(), v); }, {11, 7, 8.5}},
+  };
+  for (const auto& [change, expected] : rows) {
+    Numbers vector = {3, 4, 12};
+    change(vector.data());
+    EXPECT_EQ(vector, expected);
+  }
+}
+
+TEST(Vector, SumsProductsAndExtremes) {
+  const Numbers x = {1, 0, 0}, y = {0, 1, 0}, z = {0, 0, 1}, large = {1e16, 1, -1e16}, v = {0.1, 0.2, 0.7};
+  EXPECT_EQ(vec_fsum(large.data(), 3), 0.0);  // in index order
+  EXPECT_EQ(vec_fprod_scalar(x.data(), large.data(), 3), 1e16);
+  EXPECT_EQ(vec_fprod_mixed(x.data(), y.data(), z.data()), 1.0);
+  EXPECT_EQ(vec_fprod_mixed(y.data(), x.data(), z.data()), -1.0);
+  EXPECT_EQ(vec_fsum(nullptr, 0) + vec_fnorm(nullptr, 0), 0.0);
+  EXPECT_EQ(vec_fangle(x.data(), y.data(), 3), std::numbers::pi / 2);
+  EXPECT_EQ(vec_fangle(x.data(), Numbers{-2, 0, 0}.data(), 3), std::numbers::pi);
+  EXPECT_TRUE(std::isnan(vec_fangle(x.data(), Numbers(3).data(), 3)));
+  for (double factor = -20.0; factor <= 20.0; factor += 0.1) {  // the cosine may lie beyond 1 by rounding
+    const Numbers scaled = {0.1 * factor, 0.2 * factor, 0.7 * factor};
+    EXPECT_NEAR(vec_fangle(v.data(), scaled.data(), 3), factor < 0 ? std::numbers::pi : 0.0, 3e-8);
+  }
+  const Numbers u = {-1, 6, -7, -7, 6, 0.5}, w = {-3, 2, -2};
+  EXPECT_EQ((std::array{vec_fmax(u.data(), 6), vec_fmin(u.data(), 6), vec_fmax_abs(u.data(), 6)}),
+            (std::array{1U, 2U, 2U}));
+  EXPECT_EQ((std::array{vec_fmin_abs(u.data(), 6), vec_fmin_abs(w.data(), 3)}), (std::array{5U, 1U}));
+  EXPECT_EQ(vec_fmax(nullptr, 0) + vec_fmin(nullptr, 0) + vec_fmax_abs(nullptr, 0) + vec_fmin_abs(nullptr, 0),
+            0U);
+}
+
+// The version for a stream and that for standard output write the same.
+template <class... Arguments>
+void expect_output(void (*to_stream)(std::FILE*, Arguments...), void (*to_output)(Arguments...),
+                   const std::string& text, std::type_identity_t<Arguments>... arguments) {
+  EXPECT_EQ(written([=](std::FILE* stream) { to_stream(stream, arguments...); }), text);
+  EXPECT_EQ(printed([=] { to_output(arguments...); }), text);
+}
+
+TEST(Matrix, BlocksShowTriangleAndSquare) {
+  double** matrix = mat_falloc(3, 3);
+  for (unsigned i = 0; i < 9; ++i) {
+    EXPECT_EQ(matrix[i / 3][i % 3], 0.0);
+    matrix[i / 3][i % 3] = i + 1;
+  }
+  const std::string head = "              1              2\n", next_head = "              3\n";
+  const std::string last = "    3   7.000000e+00   8.000000e+00\n" + next_head,
+                    nine = "    3   9.000000e+00\n";
+  const std::string first = head + "    1   1.000000e+00", five = "\n    2   4.000000e+00   5.000000e+00\n";
+  expect_output(mat_ffprint_Sc, mat_fprint_Sc, first + five + last + nine, matrix, 3, 2);
+  expect_output(
+      mat_ffprint_sc, mat_fprint_sc,
+      first + "   2.000000e+00" + five + last + "    1   3.000000e+00\n    2   6.000000e+00\n" + nine, matrix,
+      3, 2);
+  expect_output(mat_ffprint_Sc, mat_fprint_Sc, "", matrix, 0, 5);
+  EXPECT_EQ(written([=](std::FILE* s) { mat_ffprint_Sc_scale(s, matrix, 1, 0, -0.5); }),
+            "              1\n    1  -5.000000e-01\n");
+  EXPECT_EQ(printed([=] { mat_fprint_sub(matrix, 1, 1, 3, 2), mat_fprint(matrix, 1, 2); }),
+            "   5.000000e+00\n   8.000000e+00\n   1.000000e+00   2.000000e+00\n");
+  expect_no_memory([] { mat_falloc(everything, 1); }, "double matrix");
+  expect_no_memory([] { mat_ialloc(1, everything); }, "column of int matrix");
+  int** ints = mat_ialloc(2, 1);
+  unsigned** naturals = mat_ualloc(1, 2);
+  ints[1][0] = -7;
+  naturals[0][1] = everything;
+  EXPECT_EQ(printed([=] { mat_iprint(ints, 2, 1), mat_uprint(naturals, 1, 2); }),
+            "         0\n        -7\n         04294967295\n");
+  EXPECT_EQ(mat_ffree(matrix, 3) + mat_ifree(ints, 2) + mat_ufree(naturals, 1) + mat_ffree(nullptr, 3), 0);
+}
+
+TEST(Print, LinesFillThePage) {
+  const std::string t78(78, 'x'), t79(79, 'x'), t80(80, 'x'), end = std::string(37, '-') + " End -";
+  expect_output(print_fcenter, print_center, std::string(36, ' ') + "ORVA 1.4\n", "ORVA 1.4");
+  expect_output(print_fcenter, print_center, t79 + "\n", t79.c_str());
+  expect_output(print_fcenter, print_center, t80 + "\n", t80.c_str());
+  expect_output(print_fccenter, print_ccenter, end + std::string(37, '-') + "\n", "End", '-');
+  expect_output(print_fccenter, print_ccenter, " " + t78 + " \n", t78.c_str(), '-');
+  expect_output(print_fhline, print_hline, std::string(80, '-') + "\n");
+  expect_output(print_fHline, print_Hline, "===\n", '=', 3);
+  expect_output(print_fswfix, print_swfix, "ab  c\n", "ab", "c", 5);
+  expect_output(print_fiwfix, print_iwfix, "ab -1\n", "ab", -1, 5);
+  expect_output(print_fuwfix, print_uwfix, "4294967295\n", "", everything, 5);
+  expect_output(print_fluwfix, print_luwfix, "a 1099511627776\n", "a", 1UL << 40, 15);
+  expect_output(print_flowfix, print_lowfix, "a 10\n", "a", 8, 4);
+  EXPECT_EQ(written([](std::FILE* s) { print_ffwfix(s, "ab", "%.2f", 8, 1.5); }), "ab  1.50\n");
+  EXPECT_EQ(printed([] { print_fwfix("a", "%d/%s", 6, 1, "x"); }), "a  1/x\n");
+  EXPECT_EQ(printed([] { print_fwfix("", "%90d", 1, 1); }), std::string(79, ' ') + "\n");
+}
+
+// Each source becomes what stands beside it; results of at most 300 characters.
+template <class Convert>
+void expect_texts(Convert convert, const std::vector<std::array<std::string, 2>>& rows) {
+  for (const auto& [source, expected] : rows) {
+    char destination[301] = "not written";
+    convert(source.c_str(), destination);
+    EXPECT_EQ(destination, expected) << source;
+  }
+}
+
+TEST(String, CopiesAndChanges) {
+  const auto in_place = [](void (*change)(char*)) {
+    return [=](const char* source, char* destination) { change(std::strcpy(destination, source)); };
+  };
+  const auto part = [](const char* source, char* destination) { str_sub_copy(source, destination, 2, 5); };
+  const std::string name(255, 'n');
+  expect_texts(str_ctrim,
+               {{" \t a b \t\n\n", "a b"}, {"\n", ""}, {"\t", ""}, {"", ""}, {"x", "x"}, {"\n a", "\n a"}});
+  expect_texts(in_place(str_trim), {{"  a\n", "a"}, {" ", ""}});
+  expect_texts(in_place(str_rtrim), {{" a \n\t", " a"}, {"\n", ""}});
+  expect_texts(str_file_base,
+               {{"a/b/prog", "prog"}, {"/p", "p"}, {"p.x", "p.x"}, {"a/b/", ""}, {name + "x", name}});
+  expect_texts(str_file_ext, {{"a.b.c", "c"}, {"name", "name"}, {"a.", ""}});
+  expect_texts(part, {{"PRINT_COORD 1", "INT"}, {"abc", "c"}, {"a", ""}});
+  expect_texts(str_cLowcase, {{"CL", "Cl"}, {"h", "H"}, {"1X", "1x"}, {"", ""}});
+  expect_texts(in_place(str_Lowcase), {{"hE\xC4z", "He\xC4z"}});
+  expect_texts(str_cupcase, {{"az{`\xE4", "AZ{`\xE4"}});
+  expect_texts(in_place(str_upcase), {{"aB1", "AB1"}});
+  expect_texts(str_clowcase, {{"AZ[@\xC4", "az[@\xC4"}});
+  expect_texts(in_place(str_lowcase), {{"aB1", "ab1"}});
+  char text[8];
+  EXPECT_EQ(str_cLowcase("abc", text), 3U);
+  EXPECT_EQ(str_file_base("a/b", text) - str_file_ext("b.", text), 1);
+  str_sub_copy("PRINT_COORD 1", text, 5, 5);
+  EXPECT_STREQ(text, "");
+}
+
+TEST(String, ComparisonsAndLengths) {
+  const std::tuple<const char*, const char*, int> rows[] = {
+      {"", "", 1},  {"  ab \n", "ab", 1}, {"ab", "   ab", 1}, {"", "x", 0},
+      {" ", "", 0}, {"ab", "Ab", 0},      {"ab", "abc", 0},   {"a b", "ab", 0}};
+  for (const auto& [first, second, agrees] : rows) {
+    EXPECT_EQ(str_compare(first, second), agrees) << first;
+  }
+  EXPECT_EQ(str_sub_bfind("Number of atoms  I", "Number of atoms") + str_sub_bfind("Num", "Number"), 2);
+  EXPECT_EQ(str_sub_bfind("Number of alpha", "Number of atoms") + str_sub_bfind("", "x"), 1);
+  EXPECT_EQ((std::array{str_unum_len(0), str_lunum_len(0), str_unum_len(999), str_unum_len(-1)}),
+            (std::array{0U, 0U, 3U, 10U}));
+  EXPECT_EQ(str_lunum_len(18446744073709551615U), 20U);
+  char text[] = "one\ntwo words\nthree\n", line[str_line_size];
+  std::FILE* stream = fmemopen(text, sizeof text - 1, "r");
+  EXPECT_EQ(str_ffind(stream, "word", line), 1);
+  EXPECT_STREQ(line, "two words\n");
+  EXPECT_EQ(str_ffind(stream, "one", line), 0);
+  file_close(stream);
+}
+
+TEST(String, FortranRealsConvertAsTheCLibraryReadsThem) {
+  std::istringstream words(
+      "0.5D+01|-1.5d-01|+2.5|+-1|1e|1E+|1.5x|10|1d999|-1d999|1d-999|4d-320|.5|5.|..|-.d1|0x1p3|inf|-inf|infx|"
+      "1.2.3|  12|- 1|DD|e5|1,5|0x|0.30000000000000004|9007199254740993D0|-2.2250738585072011D-308");
+  for (std::string word; std::getline(words, word, '|');) {
+    std::string plain = word;
+    std::replace(plain.begin(), plain.end(), 'D', 'E');
+    std::replace(plain.begin(), plain.end(), 'd', 'e');
+    double expected = 0.0;
+    if (std::sscanf(plain.c_str(), "%lf", &expected) == 1) {
+      EXPECT_EQ(str_dsnum(word.data()), expected) << word;
+    } else {
+      expect_error([&] { str_dsnum(word.data()); },
+                   "cannot convert fortran double precision type \"" + plain + "\"");
+    }
+  }
+  EXPECT_EQ(str_dsnum(std::string("7").data()), 0.0);
+}
+
+TEST(Atom, SymbolsAndNumbersConvertBothWays) {
+  char name[3];
+  double weighted_sum = 0.0;
+  for (int number = 1; number <= 111; ++number) {
+    EXPECT_EQ(atom_num(atom_name(name, number)), static_cast<unsigned>(number));
+    weighted_sum += number * atom_smass(name);
+  }
+  EXPECT_NEAR(weighted_sum, 1146272.199833, 1e-7);
+  const std::pair<const char*, unsigned> rows[] = {
+      {"he", 2}, {"NA", 11}, {"cL", 17}, {"C1", 0}, {"Xx", 0}, {"", 0}, {" C", 0}, {"Feeeeeeeeeeeeeee", 0}};
+  for (const auto& [symbol, number] : rows) {
+    EXPECT_EQ(atom_num(symbol), number) << symbol;
+    EXPECT_EQ(atom_smass(symbol), atom_mass(number));
+  }
+  for (const int number : {0, -1, 112}) {
+    EXPECT_STREQ(atom_name(name, number), "X");
+    EXPECT_EQ(atom_mass(static_cast<unsigned>(number)), 0.0);
+  }
+}
+
+TEST(Stack, GivesBackTheLastValueFirst) {
+  Stack* stack = stack_alloc();
+  EXPECT_EQ(stack_get(stack), nullptr);
+  stack_sadd(stack, "freed with the stack");
+  stack_fadd(stack, 0.5), stack_uadd(stack, 7), stack_iadd(stack, -1);
+  EXPECT_EQ(stack_sadd(stack, "text"), 5U);
+  char text[8];
+  double real = 0;
+  unsigned natural = 0;
+  int integer = 0;
+  EXPECT_EQ(stack_sget(stack, text), 4U);
+  EXPECT_STREQ(text, "text");
+  EXPECT_EQ((std::array{stack_uget(stack, &natural), stack_iget(stack, &integer), stack_fget(stack, &real)}),
+            (std::array{3U, 2U, 1U}));
+  EXPECT_EQ(std::tuple(natural, integer, real), std::tuple(everything, 7, 0.5));  // -1 was an int
+  stack_free(stack);
+}
+
+TEST(Geometry, DistancesAnglesAndSignedDihedrals) {
+  const double o[] = {0, 0, 0}, x[] = {1, 0, 0}, y[] = {0, 1, 0}, z[] = {0, 0, 1}, away[] = {-1, 0, 0};
+  const double far[] = {3, 4, 0};
+  EXPECT_EQ(dist_r2(o, far, 3), 25.0);
+  EXPECT_EQ(icoord_bond(far, o), 5.0);
+  EXPECT_EQ(dist_r(o, far, 1) + dist_r(o, far, 0), 3.0);
+  EXPECT_EQ(icoord_angle(x, o, y), 90.0);
+  EXPECT_EQ(icoord_angle(x, o, away), 180.0);
+  for (const double turn : {-179.0, -90.0, -1.0, 0.0, 30.0, 90.0, 179.0, 180.0}) {
+    const double radians = turn * std::numbers::pi / 180.0;
+    const double d[] = {2 * std::cos(radians), 2 * std::sin(radians), 1.5};
+    EXPECT_NEAR(icoord_dihedral(x, o, z, d), turn, 1e-9);
+  }
+  EXPECT_TRUE(std::isnan(icoord_dihedral(x, o, away, z)));
+}

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+// Helpers of all tests.
+
+/// Runs `call` in a child process, which must end with `status` after printing exactly `output`.
+template <class Call>
+void expect_exit(Call call, int status, const std::string& output) {
+  const auto visibly = [&call] {
+    dup2(STDERR_FILENO, STDOUT_FILENO);  // messages go to standard output, a death test reads the other
+    call();
+    std::exit(0);
+  };
+  EXPECT_EXIT(visibly(), testing::ExitedWithCode(status), testing::Eq(output));
+}
+
+/// The child must end with status 1 and exactly the message "error: TEXT".
+template <class Call>
+void expect_error(Call call, const std::string& text) {
+  expect_exit(call, 1, "error: " + text + "\n");
+}
+
+/// What `call` prints on standard output.
+template <class Call>
+std::string printed(Call call) {
+  testing::internal::CaptureStdout();
+  call();
+  return testing::internal::GetCapturedStdout();
+}
+
+/// What `call` writes to the stream that it is given.
+template <class Call>
+std::string written(Call call) {
+  char* text = nullptr;
+  std::size_t size = 0;
+  std::FILE* stream = open_memstream(&text, &size);
+  call(stream);
+  std::fclose(stream);
+  const std::string result(text, size);
+  std::free(text);
+  return result;
+}
+
+/// A new directory, removed with all that is in it at the end of its scope.
+class Scratch {
+ public:
+  Scratch() : path_(std::filesystem::temp_directory_path() / "orva-test-XXXXXX") {
+    std::string name = path_.string();
+    path_ = mkdtemp(name.data());
+  }
+  ~Scratch() { std::filesystem::remove_all(path_); }
+  Scratch(const Scratch&) = delete;
+  Scratch& operator=(const Scratch&) = delete;
+
+  std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+  const std::filesystem::path& path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+inline void write_file(const std::filesystem::path& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+inline std::string read_file(const std::filesystem::path& path) {
+  std::ostringstream text;
+  text << std::ifstream(path, std::ios::binary).rdbuf();
+  return text.str();
+}
