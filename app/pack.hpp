@@ -46,6 +46,8 @@ struct Pack {
   friend double highest(Pack a) {
     return reduce<Lanes>(a.lane, [](auto x, auto y) { return x > y ? x : y; });
   }
+  /// All bits set in the lanes where a < b.
+  friend Bits is_below(Pack a, Pack b) { return reinterpret_cast<Bits>(a.lane < b.lane); }
   friend Bits bits_of(Pack a) { return reinterpret_cast<Bits>(a.lane); }
   friend Pack from_bits(Bits bits, Pack /*type*/) { return of(reinterpret_cast<Doubles>(bits)); }
 

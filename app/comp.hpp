@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <span>
+
+#include "cube.hpp"
+#include "memory.hpp"
+
+// The sweep over the grid: the data of the cube files.
+
+/// Values of all basis functions at the point or points at hand. Exists during a sweep only.
+extern double* comp_bfce_vec;
+
+/// Writes the data of a field for all points, the third axis fastest, "%13.5e" each, six to a line, every row
+/// of the third axis on a new line. Codes as for cube_write_file; `second` (null but for code 50) gets the
+/// average local ionization potential.
+void comp_data(const Molecule* molecule, const CubeDefinition* cube, std::int16_t code, std::int16_t orbital,
+               std::FILE* first, std::FILE* second);
+
+/// Values of some orbitals at all grid points.
+struct OrbitalValues {
+  std::unique_ptr<double[]> values;
+  std::size_t point_count;
+  std::size_t stride;  // from orbital to orbital
+
+  std::span<const double> of(std::size_t orbital) const {
+    return {values.get() + orbital * stride, point_count};
+  }
+};
+
+/// How many orbitals comp_orbital_values may hold within 256 MiB, at least one.
+unsigned comp_orbital_block(const CubeDefinition* cube);
+
+/// Evaluates `count` orbitals at all grid points in one sweep, bohr^(-3/2).
+/// Without memory the run ends with "cannot allocate memory for values of orbitals".
+OrbitalValues comp_orbital_values(const Molecule* molecule, const CubeDefinition* cube,
+                                  const Orbital* orbitals, unsigned count);
+
+/// Writes values of all grid points as comp_data does.
+void comp_write_values(const CubeDefinition* cube, std::span<const double> values, std::FILE* stream);
+
+/// The field of the code at one point (x, y, z in bohr) in `first`; for codes 50 and 63 `first` is the total
+/// density (bohr^-3) and `second` the average local ionization potential (hartree). Other codes leave
+/// `second` as it is. comp_bfce_vec must have room for all basis functions.
+void comp_point_value(const Molecule* molecule, const double* point, std::int16_t code, std::int16_t orbital,
+                      double* first, double* second);

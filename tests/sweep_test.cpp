@@ -1,0 +1,227 @@
+#include "sweep.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "comp.hpp"
+#include "cube.hpp"
+#include "eval.hpp"
+#include "fcheck.hpp"
+#include "small_files.hpp"
+#include "str_real.hpp"
+#include "sweep_kernel.hpp"
+#include "vec_base.hpp"
+#include "wfn.hpp"
+
+namespace {
+
+// The source of the widest kernel, compiled for any processor.
+struct Tag;
+using EightLanes = SweepKernelFor<Pack<Tag, 8>, 2, 6>;
+const SweepKernel eight_lanes = EightLanes::as("eight lanes", [] { return true; });
+
+std::vector<const SweepKernel*> testable_kernels() {
+  std::vector<const SweepKernel*> kernels = {&eight_lanes};
+  std::ranges::copy_if(sweep_kernels(), std::back_inserter(kernels),
+                       [](const SweepKernel* kernel) { return kernel->is_supported(); });
+  return kernels;
+}
+
+// Shells of every kind, with heads that fade at different distances, an order that does not, and a function
+// without primitives.
+SmallFchk every_shell(const std::string& method) {
+  SmallFchk fields;
+  fields.method = method;
+  fields.electrons = 15;
+  fields.alpha_electrons = 8;
+  fields.beta_electrons = 5;
+  for (const int type : {0, 1, 2, 3, 4, -2, -3, -4}) {
+    if (type >= 0 || method[0] == 'U') {
+      fields.shells.push_back({type, 1, {800.0, 90.0, 7.0, 0.9}, {0.1, -0.2, 0.5, 0.25}, {}});
+      fields.shells.push_back({type, 2, {0.4, 30.0, 3.0}, {0.5, 0.125, 1e-9}, {}});
+    }
+  }
+  fields.shells.push_back({0, 2, {}, {}, {}});
+  fields.coefficient = [](unsigned i, unsigned j) { return std::sin(1.0 + i + 0.7 * j * (i + 1)); };
+  return fields;
+}
+
+std::string text_of_points(const Molecule& molecule, const CubeDefinition& cube, std::int16_t code,
+                           std::int16_t orbital, bool is_second) {
+  std::string text;
+  comp_bfce_vec = vec_falloc(molecule.basis_count);
+  for (unsigned i = 0; i < cube.npoints[0]; ++i) {
+    for (unsigned j = 0; j < cube.npoints[1]; ++j) {
+      for (unsigned k = 0; k < cube.npoints[2]; ++k) {
+        double point[3], value[2];
+        for (unsigned c = 0; c < 3; ++c) {
+          point[c] =
+              cube.points[0][c] + i * cube.vectors[0][c] + j * cube.vectors[1][c] + k * cube.vectors[2][c];
+        }
+        comp_point_value(&molecule, point, code, orbital, &value[0], &value[1]);
+        text += formatted("%13.5e", value[is_second || code == 63]);
+        text += k % 6 == 5 || k + 1 == cube.npoints[2] ? "\n" : "";
+      }
+    }
+  }
+  vec_ffree(comp_bfce_vec);
+  return text;
+}
+
+const CubeDefinition grids[] = {
+    {{5, 3, 19}, {{-3, -2, -4}}, {{1.1, 0.2, -0.1}, {0.3, 1.5, 0.2}, {0.05, -0.1, 0.4}}},
+    {{2, 3, 3}, {{-1, -1, 0}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}},
+    {{1, 1, 1}, {{0.0, 0.5, 3.0}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}},
+    {{3, 1, 40}, {{0, 0, 0}}, {{0, 0, 9}, {0, 0, 0}, {0, 0, 1.5}}},             // to where all is 0
+    {{2, 1, 12}, {{0, 0, 0}}, {{1e155, 0, 0}, {0, 0, 0}, {0, 1e154, 1e-300}}},  // beyond all reason
+    {{0, 4, 4}, {{0, 0, 0}}, {}},
+    {{4, 0, 4}, {{0, 0, 0}}, {}},
+    {{4, 4, 0}, {{0, 0, 0}}, {}},
+};
+
+void expect_same_text(const Molecule& molecule) {
+  for (const CubeDefinition& cube : grids) {
+    for (const std::int16_t code : std::to_array<std::int16_t>({10, 42, 50, 63, 101, 201})) {
+      if (code == 201 && molecule.beta_orbitals == nullptr) {
+        continue;
+      }
+      const std::int16_t orbital = 7;
+      std::string second;
+      const std::string first = written([&](std::FILE* stream) {
+        second = written([&](std::FILE* other) {
+          comp_data(&molecule, &cube, code, orbital, stream, code == 50 ? other : nullptr);
+        });
+      });
+      EXPECT_EQ(first, text_of_points(molecule, cube, code, orbital, false)) << code;
+      EXPECT_EQ(second, code == 50 ? text_of_points(molecule, cube, code, orbital, true) : "");
+    }
+  }
+}
+
+}  // namespace
+
+TEST(Sweep, WritesTheTextOfThePointByPointFunctionsWithEveryKernel) {
+  for (const SweepKernel* kernel : testable_kernels()) {
+    if (kernel == &eight_lanes) {
+      continue;  // not one of the program's
+    }
+    SCOPED_TRACE(kernel->name);
+    setenv("ORVA_KERNEL", kernel->name, 1);
+    expect_same_text(*read_text(fcheck_read, fchk_text(every_shell("UHF"))));
+    const auto cartesian = read_text(fcheck_read, fchk_text(every_shell("RHF")));
+    expect_same_text(*cartesian);
+    expect_same_text(*read_text(wfn_read, wfn_text(*cartesian)));
+    SmallFchk empty = every_shell("RHF");
+    empty.electrons = 1;
+    expect_same_text(*read_text(fcheck_read, fchk_text(empty)));
+    empty.method = "UHF";
+    empty.alpha_electrons = empty.beta_electrons = 0;
+    empty.coefficient = [](unsigned, unsigned) { return std::nan(""); };
+    expect_same_text(*read_text(fcheck_read, fchk_text(empty)));
+  }
+  setenv("ORVA_KERNEL", "abacus", 1);
+  expect_error([] { sweep_choose_kernel(); }, "kernel \"abacus\" is not available");
+  unsetenv("ORVA_KERNEL");
+}
+
+// Every basis function of a real molecule as an orbital of its own, so that a bit that a skipped primitive
+// would have changed is seen. Points crowd around the distances where contractions begin to start later.
+TEST(Sweep, GivesEveryBitOfEveryBasisFunction) {
+  std::mt19937_64 random(4);
+  std::uniform_real_distribution<double> unit(-1.0, 1.0);
+  for (const char* name : {"aniline", "no2"}) {
+    const auto molecule = read_text(fcheck_read, read_file(std::string(ORVA_EXAMPLES "/") + name + ".fchk"));
+    const unsigned n = molecule->basis_count;
+    std::vector<double> rows(std::size_t{n} * n);
+    std::vector<Orbital> orbitals(n);
+    std::vector<const Orbital*> list;
+    for (unsigned b = 0; b < n; ++b) {
+      rows[b * std::size_t{n} + b] = 1.0;
+      orbitals[b] = {0.0, &rows[b * std::size_t{n}]};
+      list.push_back(&orbitals[b]);
+    }
+    for (const SweepKernel* kernel : testable_kernels()) {
+      Sweep sweep(molecule.get(), *kernel, SweepField::orbital, list, 1e3);
+      const unsigned room = sweep.block_points();
+      std::vector<double> points(3 * room), values(sweep.value_count()), result(std::size_t{room} * n),
+          expected(n);
+      for (unsigned round = 0; round < 8000 / room; ++round) {
+        const unsigned count = round % 2 == 0 ? room : room - 3;
+        const Atom& atom = molecule->atoms[round % molecule->atom_count];
+        const BasisFunction& function = molecule->basis[(round * 7) % n];
+        for (unsigned i = 0; i < count; ++i) {
+          // r² = about 42 / (difference of two exponents), or anything
+          const double difference =
+              function.exponents[0] - 0.9 * function.exponents[function.primitive_count - 1];
+          const double r =
+              i % 4 == 0 ? 30.0 * unit(random) : std::sqrt(45.0 / difference) * (1 + 0.1 * unit(random));
+          const double direction[3] = {unit(random), unit(random), unit(random)};
+          for (unsigned c = 0; c < 3; ++c) {
+            points[c * room + i] =
+                atom.coord[c] + r * direction[c] / std::hypot(direction[0], direction[1], direction[2]);
+          }
+        }
+        sweep.run(count, points.data(), values.data(), result.data(), nullptr, room);
+        for (unsigned i = 0; i < count; ++i) {
+          const double point[3] = {points[i], points[room + i], points[2 * room + i]};
+          eval_bfce_vec(molecule.get(), point, expected.data());
+          for (unsigned b = 0; b < n; ++b) {
+            ASSERT_EQ(bits_of(result[b * std::size_t{room} + i]), bits_of(expected[b]))
+                << kernel->name << ' ' << name << ' ' << b;
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(Sweep, BlocksOfOrbitalsHaveTheValuesOfSingleOnes) {
+  const auto molecule = read_text(fcheck_read, fchk_text(every_shell("UHF")));
+  const CubeDefinition& cube = grids[0];
+  const OrbitalValues values = comp_orbital_values(molecule.get(), &cube, molecule->beta_orbitals + 1, 9);
+  for (std::int16_t orbital = 2; orbital <= 10; ++orbital) {
+    EXPECT_EQ(written([&](std::FILE* stream) {
+                comp_write_values(&cube, values.of(static_cast<std::size_t>(orbital - 2)), stream);
+              }),
+              text_of_points(*molecule, cube, 201, orbital, false));
+  }
+  EXPECT_EQ(comp_orbital_block(&grids[5]), 65535U);
+  const CubeDefinition huge = {{4000, 4000, 4000}, {}, {}};
+  EXPECT_EQ(comp_orbital_block(&huge), 1U);
+}
+
+TEST(ScientificText, IsThatOfPrintf) {
+  std::mt19937_64 random(5);
+  char text[str_scientific_width + 1] = {}, expected[32];
+  const auto check = [&](double value) {
+    str_scientific(value, text);
+    std::snprintf(expected, sizeof expected, "%13.5e", value);
+    ASSERT_STREQ(text, expected) << formatted("%a", value);
+  };
+  const auto check_with_neighbours = [&](double value) {
+    check(value);
+    check(std::nextafter(value, 0.0));
+    check(std::nextafter(value, HUGE_VAL));
+  };
+  for (int i = 0; i < 8000000; ++i) {
+    check(from_bits(random(), 0.0));  // every magnitude, NaN and infinities among them
+  }
+  for (int i = 0; i < 700000; ++i) {  // decimal ties: six digits and a half
+    const double digits = 100000.5 + static_cast<double>(random() % 900000);
+    check_with_neighbours(digits * std::pow(10.0, static_cast<int>(random() % 40) - 20));
+  }
+  for (int exponent = -323; exponent <= 308; ++exponent) {
+    const double power = std::strtod(("1e" + std::to_string(exponent)).c_str(), nullptr);
+    for (const double factor : {1.0, 9.999994999, 9.999995, 9.9999951}) {
+      check_with_neighbours(factor * power);
+    }
+  }
+  for (const double value : {0.0, -0.0, HUGE_VAL, -HUGE_VAL, std::nan(""), -std::nan("")}) {
+    check(value);
+  }
+}
