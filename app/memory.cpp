@@ -1,0 +1,75 @@
+#include "memory.hpp"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "allocate.hpp"
+#include "mat_base.hpp"
+#include "setup.hpp"
+#include "vec_base.hpp"
+
+namespace {
+
+Orbital* allocate_orbitals(std::size_t count, const char* failure) {
+  auto* orbitals = allocate<Orbital>(count, failure);
+  auto* coefficients = allocate<double>(count * count, "cannot allocate memory for vector of doubles");
+  orbitals[0].coefficients = coefficients;  // there is room for one even if the count is 0
+  for (std::size_t i = 1; i < count; ++i) {
+    orbitals[i].coefficients = coefficients + i * count;
+  }
+  return orbitals;
+}
+
+void free_orbitals(Orbital* orbitals) {
+  if (orbitals != nullptr) {
+    vec_ffree(orbitals[0].coefficients);
+    std::free(orbitals);
+  }
+}
+
+void free_basis(BasisFunction* basis, unsigned count) {
+  if (basis != nullptr) {
+    std::for_each_n(basis, count, [](const BasisFunction& function) {
+      vec_ffree(function.exponents);
+      vec_ffree(function.coefficients);
+    });
+    std::free(basis);
+  }
+}
+
+}  // namespace
+
+void mem_init_mol(Molecule* molecule) { *molecule = Molecule{}; }
+
+void mem_alloc_atoms(Molecule* molecule) {
+  molecule->atoms = allocate<Atom>(molecule->atom_count, "cannot allocate memory for atom information");
+}
+
+void mem_alloc_orbitals(Molecule* molecule) {
+  molecule->alpha_orbitals =
+      allocate_orbitals(molecule->basis_count, "cannot allocate memory for alpha molecular orbitals");
+  if (inp_rest_scf == 0) {
+    molecule->beta_orbitals =
+        allocate_orbitals(molecule->basis_count, "cannot allocate memory for beta molecular orbitals");
+  }
+}
+
+void mem_alloc_basis(Molecule* molecule) {
+  molecule->basis =
+      allocate<BasisFunction>(molecule->basis_count, "cannot allocate memory for basis functions");
+}
+
+void mem_clean(Molecule* molecule, double** distances) {
+  std::free(molecule->atoms);
+  free_orbitals(molecule->alpha_orbitals);
+  free_orbitals(molecule->beta_orbitals);
+  free_basis(molecule->basis, molecule->basis_count);
+  dmat_free(molecule, distances);
+  mem_init_mol(molecule);
+}
+
+void dmat_free(const Molecule* molecule, double** distances) {
+  if (distances != nullptr) {
+    mat_ffree(distances, molecule->atom_count);
+  }
+}

@@ -1,0 +1,218 @@
+#include "wfn.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+#include "atom.hpp"
+#include "file.hpp"
+#include "memory.hpp"
+#include "message.hpp"
+#include "reader.hpp"
+#include "setup.hpp"
+#include "str_trim.hpp"
+#include "string.hpp"
+#include "vec_base.hpp"
+
+namespace {
+
+using Line = std::array<char, sizeof Molecule::title>;
+
+// Columns, counted from 1, at which values begin.
+constexpr unsigned orbital_count_column = 14;
+constexpr unsigned primitive_count_column = 38;
+constexpr unsigned nucleus_count_column = 56;
+constexpr unsigned coordinate_column = 25;
+constexpr unsigned energy_column = 64;
+
+struct TypeRange {
+  unsigned first, last;  // type numbers, one per component
+  short type;            // shell type code
+};
+
+constexpr std::array type_ranges = {
+    TypeRange{1, 1, 0},    //
+    TypeRange{2, 4, 1},    //
+    TypeRange{5, 10, 2},   //
+    TypeRange{11, 20, 3},  //
+    TypeRange{21, 35, 4},
+};
+
+Line read_line(Reader& reader, const char* failure) {
+  Line line;
+  if (!reader.line(line)) {
+    msg_fatal(failure);
+  }
+  return line;
+}
+
+// The line from a column on; empty if it does not reach so far.
+const char* from_column(const Line& line, unsigned column) {
+  return line.data() + std::min<std::size_t>(column - 1, std::strlen(line.data()));
+}
+
+unsigned read_count(const Line& line, unsigned column, const char* failure) {
+  char* stop = nullptr;
+  const char* text = from_column(line, column);
+  const long count = std::strtol(text, &stop, 10);
+  if (stop == text || count < 0 || count > std::numeric_limits<unsigned>::max()) {
+    msg_fatal(failure);
+  }
+  return static_cast<unsigned>(count);
+}
+
+// A number in Fortran notation. A lone letter is the end of a label one column too wide; str_dsnum would take
+// it for a zero.
+double read_real(Reader& reader, const char* failure) {
+  char word[1024];
+  if (!reader.word(word) || (std::isalpha(static_cast<unsigned char>(word[0])) != 0 && word[1] == '\0')) {
+    msg_fatal(failure);
+  }
+  return str_dsnum(word);
+}
+
+unsigned read_unsigned(Reader& reader) {
+  unsigned value = 0;
+  if (!reader.number(value)) {
+    msg_fatal("cannot read unsigned int data block");
+  }
+  return value;
+}
+
+template <class Number, class ReadValue>
+void read_block(Number* values, unsigned count, unsigned per_line, unsigned label_width, Reader& reader,
+                ReadValue read_value) {
+  for (unsigned i = 0; i < count; ++i) {
+    // A label includes the newline that the number before it has left unread.
+    if (i % per_line == 0 && !reader.skip(label_width)) {
+      msg_fatal("unexpected end of file while reading data from WFN file");
+    }
+    values[i] = read_value(reader);
+  }
+}
+
+void read_counts(Molecule* molecule, Reader& reader) {
+  const Line line = read_line(reader, "unexpected end of WFN file while reading number of electrons");
+  const unsigned orbital_count = read_count(line, orbital_count_column, "cannot read number of orbitals");
+  molecule->basis_count = read_count(line, primitive_count_column, "cannot read number of primitives");
+  molecule->atom_count = read_count(line, nucleus_count_column, "cannot read number of nuclei");
+
+  if (orbital_count > molecule->basis_count) {
+    msg_fatal("number of orbitals exceeds number of primitives in WFN file");
+  }
+  if (!reader.may_hold(std::uint64_t{4} * molecule->atom_count)) {  // the symbol and coordinates
+    msg_fatal("invalid count in WFN file - number of nuclei");
+  }
+  // Centre, type and exponent of every primitive, and a coefficient in every orbital. The number of electrons
+  // must fit, too.
+  if (orbital_count > std::numeric_limits<unsigned>::max() / 2 ||
+      !reader.may_hold(std::uint64_t{molecule->basis_count} * (std::uint64_t{orbital_count} + 3))) {
+    msg_fatal("invalid count in WFN file - number of orbitals or primitives");
+  }
+  molecule->electron_count = 2 * orbital_count;
+}
+
+}  // namespace
+
+void wfn_read(Molecule* molecule) {
+  std::FILE* stream = file_open(glob_file_input, "r");
+  Reader reader(stream);
+  const Line line = read_line(reader, "unexpected end of WFN file while reading comment line");
+  str_ctrim(line.data(), molecule->title);
+  inp_rest_scf = 1;
+  read_counts(molecule, reader);
+  wfn_read_atoms(molecule, reader);
+  wfn_read_basis(molecule, reader);
+  wfn_read_orbitals(molecule, reader);
+  file_close(stream);
+}
+
+void wfn_read_atoms(Molecule* molecule, Reader& reader) {
+  mem_alloc_atoms(molecule);
+  for (unsigned i = 0; i < molecule->atom_count; ++i) {
+    Atom& atom = molecule->atoms[i];
+    const Line line = read_line(reader, "unexpected end of WFN file while reading coordinates");
+    // A longer word is cut; it names no element either way.
+    static_assert(sizeof atom.symbol == 8);
+    if (std::sscanf(line.data(), "%7s", atom.symbol) != 1) {
+      msg_fatal("cannot read atom symbol");
+    }
+    atom.atomic_number = atom_num(atom.symbol);
+    const char* text = from_column(line, coordinate_column);
+    if (std::sscanf(text, "%lf%lf%lf", &atom.coord[0], &atom.coord[1], &atom.coord[2]) != 3) {
+      msg_fatal("cannot read atomic coordinates");
+    }
+  }
+}
+
+void wfn_read_basis(Molecule* molecule, Reader& reader) {
+  const unsigned count = molecule->basis_count;
+  unsigned* centres = vec_ualloc(count);
+  unsigned* types = vec_ualloc(count);
+  double* exponents = vec_falloc(count);
+  mem_alloc_basis(molecule);
+
+  wfn_read_udata(centres, count, 20, 20, reader);
+  wfn_read_udata(types, count, 20, 20, reader);
+  wfn_read_fdata(exponents, count, 5, 10, reader);
+  wfn_basis_reorder(molecule, centres, types, exponents);
+
+  vec_ufree(centres);
+  vec_ufree(types);
+  vec_ffree(exponents);
+}
+
+void wfn_read_udata(unsigned* values, unsigned count, unsigned per_line, unsigned label_width,
+                    Reader& reader) {
+  read_block(values, count, per_line, label_width, reader, read_unsigned);
+}
+
+void wfn_read_fdata(double* values, unsigned count, unsigned per_line, unsigned label_width, Reader& reader) {
+  read_block(values, count, per_line, label_width, reader,
+             [](Reader& from) { return read_real(from, "cannot read number in real data block"); });
+}
+
+void wfn_basis_reorder(Molecule* molecule, const unsigned* centres, const unsigned* types,
+                       const double* exponents) {
+  for (unsigned i = 0; i < molecule->basis_count; ++i) {
+    if (centres[i] < 1 || centres[i] > molecule->atom_count) {
+      msg_fatal("shell atom index exceedes number of atoms");
+    }
+    BasisFunction& function = molecule->basis[i];
+    // An unknown type number is an s function: all zeros.
+    for (const TypeRange& range : type_ranges) {
+      if (types[i] >= range.first && types[i] <= range.last) {
+        function.type = function.shell_type = range.type;
+        function.component = static_cast<short>(types[i] - range.first);
+      }
+    }
+    function.primitive_count = 1;
+    function.atom_index = centres[i] - 1;
+    function.atom = &molecule->atoms[function.atom_index];
+    function.exponents = vec_falloc(1);
+    function.exponents[0] = exponents[i];
+    function.coefficients = vec_falloc(1);
+    function.coefficients[0] = 1.0;
+  }
+}
+
+void wfn_read_orbitals(Molecule* molecule, Reader& reader) {
+  mem_alloc_orbitals(molecule);
+  for (unsigned i = 0; i < molecule->electron_count / 2; ++i) {
+    Orbital& orbital = molecule->alpha_orbitals[i];
+    // The rest of the line on which the numbers before it ended.
+    read_line(reader, "unexpected end of WFN file while reading MO coefficients");
+    const Line header = read_line(reader, "unexpected end of file while reading molecular orbitals");
+    if (std::sscanf(from_column(header, energy_column), "%lf", &orbital.energy) != 1) {
+      msg_fatal("cannot read molecular orbital energy");
+    }
+    for (unsigned j = 0; j < molecule->basis_count; ++j) {
+      orbital.coefficients[j] = read_real(reader, "cannot read molecular orbital coefficients");
+    }
+  }
+}

@@ -1,0 +1,160 @@
+#include "reader.hpp"
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <random>
+#include <span>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "support.hpp"
+
+namespace {
+
+constexpr std::size_t buffer_size = 65536;  // what a Reader loads at once
+
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+File file_of(const std::string& text) {
+  File file(std::tmpfile(), std::fclose);
+  std::fwrite(text.data(), 1, text.size(), file.get());
+  std::rewind(file.get());
+  return file;
+}
+
+// What one formatted reading gives: success, value (bit by bit) and the text that is left unread.
+template <class Number>
+std::string described(bool success, Number value, const std::string& rest) {
+  char exact[40] = "nan";
+  if (!std::isnan(static_cast<double>(value))) {
+    std::snprintf(exact, sizeof exact, "%a", static_cast<double>(value));
+  }
+  return (success ? exact + std::string(" left: ") : "none, left: ") + rest;
+}
+
+template <class Number>
+std::string by_scanf(const std::string& text, const char* format) {
+  const File file = file_of(text);
+  Number value{};
+  const bool success = std::fscanf(file.get(), format, &value) == 1;
+  char rest[100] = "";
+  return described(success, value, std::fgets(rest, sizeof rest, file.get()) != nullptr ? rest : "");
+}
+
+template <class Number>
+std::string by_reader(const std::string& text) {
+  const File file = file_of(text);
+  Reader reader(file.get());
+  Number value{};
+  const bool success = reader.number(value);
+  char rest[100] = "";
+  reader.line(rest);
+  return described(success, value, rest);
+}
+
+// Separated by bars.
+const std::string odd_numbers =
+    "1.5abc|1e|1e+|1e |1e+x|1ee5|1e+-5|1e5.5|1e5e|-|+|.|-.|..5|.5|.5.5|1.|1E5 |1d5|00012|+-1|- 5|-5|1-2|1,5|"
+    "1_|e5|1e-400|1e400 |5e-324 |-0|0|0e|0.|nan|NaN(1) |nanx|nax|n|-nan(1) |inf |iNfinity|infinit|infx|infix|"
+    "+inf|i|0x|0xg|0x.|0x.8|-0x10|0x1.8p1|0x1p|0x1e5|0x1p+5z|0X1P3|00x1|0x1p1p|0xp1|| \n\t\v\f\r 7.25 x|"
+    "+3.5 |1.5\n|2147483647|-2147483648|4294967295 |-4294967295";
+
+}  // namespace
+
+TEST(Reader, TakesFromAnOddTextWhatFormattedInputTakes) {
+  std::istringstream texts(odd_numbers);
+  for (std::string text; std::getline(texts, text, '|');) {
+    // The second time, a buffer ends within the text.
+    for (const std::string& before : {std::string(), std::string(buffer_size - 2, ' ')}) {
+      const std::string all = before + text;
+      SCOPED_TRACE(text);
+      EXPECT_EQ(by_reader<double>(all), by_scanf<double>(all, "%lf"));
+      EXPECT_EQ(by_reader<unsigned>(all), by_scanf<unsigned>(all, "%u"));
+      if (text.find("429") == std::string::npos) {  // no int; the C library would wrap it
+        EXPECT_EQ(by_reader<int>(all), by_scanf<int>(all, "%d"));
+      }
+    }
+  }
+}
+
+TEST(Reader, AnIntegerThatDoesNotFitIsNone) {
+  EXPECT_EQ(by_reader<int>("2147483648 x"), "none, left:  x");
+  EXPECT_EQ(by_reader<int>("-2147483649 x"), "none, left:  x");
+  EXPECT_EQ(by_reader<unsigned>("4294967296 x"), "none, left:  x");
+  EXPECT_EQ(by_reader<unsigned>("18446744073709551617 x"), "none, left:  x");
+  EXPECT_EQ(by_reader<unsigned>(std::string(buffer_size, '0') + "12 x"), "0x1.8p+3 left:  x");
+}
+
+TEST(Reader, RealsAreTheNearestDoublesWhereverBuffersEnd) {
+  std::mt19937_64 random(1);
+  std::string text = std::string(2 * buffer_size, '3') + "e-" + std::to_string(2 * buffer_size) + "\n";
+  std::vector<double> expected = {std::strtod(text.c_str(), nullptr)};
+  for (int i = 0; i < 20000; ++i) {
+    const double mantissa = std::uniform_real_distribution(-10.0, 10.0)(random);
+    char word[64];
+    std::snprintf(word, sizeof word, i % 3 == 0 ? " %.16E" : " % .8E\n",
+                  std::ldexp(mantissa, static_cast<int>(random() % 2000) - 1000));
+    text += word;
+    expected.push_back(std::strtod(word, nullptr));
+  }
+  const File file = file_of(text);
+  Reader reader(file.get());
+  for (const double value : expected) {
+    double read = 0.0;
+    ASSERT_TRUE(reader.number(read));
+    ASSERT_EQ(read, value);
+  }
+}
+
+TEST(Reader, LinesComeInTheSamePiecesAsFromFgets) {
+  std::string text("one\n\n\0hidden\n", 13);
+  for (const std::size_t length : {1022UL, 1023UL, 1024UL, 2046UL, buffer_size, 3 * buffer_size + 7}) {
+    text += std::string(length, 'x') + "\n";
+  }
+  text += "no newline";
+  for (const std::size_t size : {2UL, 17UL, 1024UL}) {
+    const File file = file_of(text);
+    const File again = file_of(text);
+    Reader reader(file.get());
+    std::vector<char> piece(size), expected(size);
+    while (std::fgets(expected.data(), static_cast<int>(size), again.get()) != nullptr) {
+      ASSERT_TRUE(reader.line(piece));
+      ASSERT_STREQ(piece.data(), expected.data());
+    }
+    EXPECT_FALSE(reader.line(piece));
+  }
+}
+
+TEST(Reader, SkipsRawColumnsAndTakesWordsThatFit) {
+  const File file = file_of("12345\r\n789 word  toolong");
+  Reader reader(file.get());
+  char text[6];
+  EXPECT_TRUE(reader.skip(9));  // the newline counts, the carriage return does not
+  EXPECT_EQ(reader.remaining(), 14U);
+  EXPECT_TRUE(reader.line(std::span(text, 2)));
+  EXPECT_STREQ(text, " ");
+  EXPECT_TRUE(reader.word(text));
+  EXPECT_STREQ(text, "word");
+  EXPECT_FALSE(reader.word(text));
+  EXPECT_TRUE(reader.skip(10));
+  EXPECT_FALSE(reader.skip(1));
+  EXPECT_FALSE(reader.word(text));
+  EXPECT_EQ(reader.remaining(), 0U);
+}
+
+TEST(Reader, DoubtsOnlyNumbersThatAFileIsTooShortFor) {
+  const unsigned many = 1U << 22;
+  const File file = file_of(std::string(2 * many - 1, '1'));
+  Reader reader(file.get());
+  EXPECT_TRUE(reader.may_hold(many));
+  EXPECT_FALSE(reader.may_hold(many + 1));
+  EXPECT_TRUE(reader.skip(2 * many - 10));
+  EXPECT_FALSE(reader.may_hold(many));
+  EXPECT_TRUE(reader.may_hold(1000000));
+  EXPECT_FALSE(reader.may_hold(std::numeric_limits<std::uint64_t>::max()));
+}
