@@ -1,0 +1,108 @@
+#include "zmat.hpp"
+
+#include <algorithm>
+
+#include "icoord.hpp"
+#include "units.hpp"
+#include "vec_base.hpp"
+
+namespace {
+
+constexpr unsigned own = 3;  // slot of the row's own atom
+
+void push_children(Stack* stack, const Graph* graph, unsigned atom) {
+  const unsigned end = graph_end(graph, atom);
+  for (unsigned position = static_cast<unsigned>(graph->first[atom]); position < end; ++position) {
+    stack_iadd(stack, graph->child[position]);
+  }
+}
+
+// The atom's parent, -1 for the root.
+int find_parent(const Graph* graph, int atom) {
+  const unsigned position = vec_iin(graph->child, atom, graph->nedge);
+  if (position == vec_not_found) {
+    return -1;
+  }
+  const int* behind = std::upper_bound(graph->first, graph->first + graph->nvert, static_cast<int>(position));
+  return static_cast<int>(behind - graph->first) - 1;
+}
+
+}  // namespace
+
+void zmat_print(const Molecule* molecule, std::FILE* stream, const double* const* distances) {
+  const unsigned n = molecule->atom_count;
+  if (n == 0) {
+    return;
+  }
+  Graph* graph = graph_create(distances, n);
+  int* rows = vec_ialloc(n);
+  vec_iset(rows, -1, n);
+  Stack* stack = stack_alloc();
+  stack_uadd(stack, 0);
+  for (unsigned row_index = 0; stack->count > 0; ++row_index) {
+    int atom = 0;
+    stack_iget(stack, &atom);
+    ZmatSlots slots;
+    zmat_define_row(stack, graph, rows, row_index, atom, slots);
+    zmat_print_row(molecule, stream, distances, slots, rows);
+  }
+  vec_ifree(rows);
+  graph_free(graph);
+  stack_free(stack);
+}
+
+void zmat_define_row(Stack* stack, const Graph* graph, int* rows, unsigned row_index, int atom,
+                     ZmatSlots& slots) {
+  slots.fill(-1);
+  slots[own] = atom;
+  rows[atom] = static_cast<int>(row_index) + 1;
+  zmat_backtrack(graph, rows, row_index + 1, slots);
+  push_children(stack, graph, static_cast<unsigned>(atom));
+}
+
+void zmat_backtrack(const Graph* graph, const int* rows, unsigned row_number, ZmatSlots& slots) {
+  const unsigned last = own - std::min(row_number - 1, own);  // the slot that completes the row
+  unsigned lowest = own;
+  Stack* stack = stack_alloc();
+  while (lowest > last) {
+    const int parent = find_parent(graph, slots[lowest]);
+    if (parent < 0) {
+      stack_iadd(stack, slots[lowest]);
+      break;
+    }
+    slots[--lowest] = parent;
+    push_children(stack, graph, static_cast<unsigned>(parent));
+  }
+  while (lowest > last && stack->count > 0) {
+    int atom = 0;
+    stack_iget(stack, &atom);
+    if (!zmat_atom_used(slots, lowest, atom) && rows[atom] >= 0) {
+      slots[--lowest] = atom;
+    } else {
+      push_children(stack, graph, static_cast<unsigned>(atom));
+    }
+  }
+  stack_free(stack);
+}
+
+bool zmat_atom_used(const ZmatSlots& slots, unsigned lowest, int atom) {
+  return std::find(slots.begin() + lowest, slots.end(), atom) != slots.end();
+}
+
+void zmat_print_row(const Molecule* molecule, std::FILE* stream, const double* const* distances,
+                    const ZmatSlots& slots, const int* rows) {
+  const auto [dihedral, angle, bond, atom] = slots;
+  const auto coord = [=](int index) { return molecule->atoms[index].coord; };
+  std::fprintf(stream, "    %-3s", molecule->atoms[atom].symbol);
+  if (bond >= 0) {
+    std::fprintf(stream, " %-3d %9.6f", rows[bond], distances[bond][atom] * angstrom_per_bohr);
+  }
+  if (angle >= 0) {
+    std::fprintf(stream, "  %-3d %10.6f", rows[angle], icoord_angle(coord(atom), coord(bond), coord(angle)));
+  }
+  if (dihedral >= 0) {
+    std::fprintf(stream, "  %-3d %11.6f", rows[dihedral],
+                 icoord_dihedral(coord(atom), coord(bond), coord(angle), coord(dihedral)));
+  }
+  std::fputc('\n', stream);
+}
