@@ -17,6 +17,8 @@ double* comp_bfce_vec = nullptr;
 
 namespace {
 
+constexpr double orbital_memory = 256.0 * 1024 * 1024;  // bytes at most for the values of many orbitals
+
 const Orbital* orbital_of(const Molecule* molecule, std::int16_t code, std::int16_t orbital) {
   return (code == 201 ? molecule->beta_orbitals : molecule->alpha_orbitals) + (orbital - 1);
 }
@@ -127,23 +129,15 @@ std::vector<const Orbital*> occupied_orbitals(const Molecule* molecule) {
   return orbitals;
 }
 
-// Where a sweep puts the fields of the points at hand.
-struct SweepOutput {
-  double* first;
-  double* second;
-  std::size_t stride;
-};
-
-// Evaluates a field at all grid points. After each unit of work `take` gets the number of its points; it may
-// move the output on.
+// Sweeps over all grid points. After each unit of work `take` gets the number of its points.
 template <class Take>
-void sweep_grid(const CubeDefinition* cube, Sweep& sweep, const SweepOutput& output, Take take) {
+void sweep_grid(const CubeDefinition* cube, Sweep& sweep, Take take) {
   std::vector<double> points(3 * std::size_t{sweep.block_points()});
   comp_bfce_vec = vec_falloc(sweep.value_count());
   GridWalk walk(cube);
   Progress progress;
   while (const unsigned count = walk.next(points.data(), sweep.block_points())) {
-    sweep.run(count, points.data(), comp_bfce_vec, output.first, output.second, output.stride);
+    sweep.run(count, points.data(), comp_bfce_vec);
     take(count);
     progress.show(walk.part_done());
   }
@@ -162,40 +156,42 @@ void comp_data(const Molecule* molecule, const CubeDefinition* cube, std::int16_
   const std::vector<const Orbital*> orbitals =
       is_single ? std::vector{orbital_of(molecule, code, orbital)} : occupied_orbitals(molecule);
   Sweep sweep(molecule, sweep_choose_kernel(), field, orbitals, extent_of(cube));
-  std::vector<double> field_values(sweep.block_points());
-  std::vector<double> potential_values(sweep.block_points());
   CubeText first_text(first, cube->npoints[2]);
   CubeText second_text(second, cube->npoints[2]);
-  sweep_grid(cube, sweep, {field_values.data(), potential_values.data(), 0}, [&](unsigned count) {
-    first_text.put({code == 63 ? potential_values.data() : field_values.data(), count});
+  sweep_grid(cube, sweep, [&](unsigned count) {
+    first_text.put({sweep.field(code == 63 ? 1 : 0), count});
     if (code == 50) {
-      second_text.put({potential_values.data(), count});
+      second_text.put({sweep.field(1), count});
     }
   });
 }
 
-unsigned comp_orbital_block(const CubeDefinition* cube) {
-  constexpr double memory = 256.0 * 1024 * 1024;
-  const double grid = sizeof(double) * (1.0 * cube->npoints[0] * cube->npoints[1] * cube->npoints[2] +
-                                        sweep_choose_kernel().block_points_max);
-  return static_cast<unsigned>(std::clamp(memory / grid, 1.0, 65535.0));
-}
-
-OrbitalValues comp_orbital_values(const Molecule* molecule, const CubeDefinition* cube,
-                                  const Orbital* orbitals, unsigned count) {
-  std::vector<const Orbital*> list(count);
-  std::ranges::generate(list, [&] { return orbitals++; });
-  Sweep sweep(molecule, sweep_choose_kernel(), SweepField::orbital, list, extent_of(cube));
-  const std::size_t point_count = std::size_t{cube->npoints[0]} * cube->npoints[1] * cube->npoints[2];
-  const std::size_t stride = point_count + sweep.block_points();
-  OrbitalValues result{std::unique_ptr<double[]>(new (std::nothrow) double[stride * count]), point_count,
-                       stride};
+OrbitalValues comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_count) {
+  const double point_count = 1.0 * cube->npoints[0] * cube->npoints[1] * cube->npoints[2];
+  const double fitting = orbital_memory / (sizeof(double) * std::max(point_count, 1.0));
+  OrbitalValues result;
+  result.orbital_count =
+      fitting < orbital_count ? std::max(static_cast<unsigned>(fitting), 1U) : orbital_count;
+  result.point_count = static_cast<std::size_t>(point_count);
+  result.values.reset(new (std::nothrow) double[result.point_count * result.orbital_count]);
   if (result.values == nullptr) {
     msg_fatal("cannot allocate memory for values of orbitals");
   }
-  SweepOutput output{result.values.get(), nullptr, stride};
-  sweep_grid(cube, sweep, output, [&](unsigned points) { output.first += points; });
   return result;
+}
+
+void comp_orbital_values(const Molecule* molecule, const CubeDefinition* cube, const Orbital* orbitals,
+                         unsigned count, OrbitalValues* result) {
+  std::vector<const Orbital*> list(count);
+  std::ranges::generate(list, [&] { return orbitals++; });
+  Sweep sweep(molecule, sweep_choose_kernel(), SweepField::orbital, list, extent_of(cube));
+  std::size_t done = 0;
+  sweep_grid(cube, sweep, [&](unsigned points) {
+    for (unsigned i = 0; i < count; ++i) {
+      std::copy_n(sweep.field(i), points, result->of(i).data() + done);
+    }
+    done += points;
+  });
 }
 
 void comp_write_values(const CubeDefinition* cube, std::span<const double> values, std::FILE* stream) {

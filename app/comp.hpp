@@ -20,24 +20,24 @@ extern double* comp_bfce_vec;
 void comp_data(const Molecule* molecule, const CubeDefinition* cube, std::int16_t code, std::int16_t orbital,
                std::FILE* first, std::FILE* second);
 
-/// Values of some orbitals at all grid points.
+/// Values of some orbitals at all grid points, bohr^(-3/2).
 struct OrbitalValues {
   std::unique_ptr<double[]> values;
+  unsigned orbital_count;  // for which there is room
   std::size_t point_count;
-  std::size_t stride;  // from orbital to orbital
 
-  std::span<const double> of(std::size_t orbital) const {
-    return {values.get() + orbital * stride, point_count};
+  std::span<double> of(std::size_t orbital) const {
+    return {values.get() + orbital * point_count, point_count};
   }
 };
 
-/// How many orbitals comp_orbital_values may hold within 256 MiB, at least one.
-unsigned comp_orbital_block(const CubeDefinition* cube);
-
-/// Evaluates `count` orbitals at all grid points in one sweep, bohr^(-3/2).
+/// Room for `orbital_count` orbitals, or for fewer (at least one) to stay within 256 MiB.
 /// Without memory the run ends with "cannot allocate memory for values of orbitals".
-OrbitalValues comp_orbital_values(const Molecule* molecule, const CubeDefinition* cube,
-                                  const Orbital* orbitals, unsigned count);
+OrbitalValues comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_count);
+
+/// Evaluates `count` orbitals at all grid points in one sweep; there must be room for them.
+void comp_orbital_values(const Molecule* molecule, const CubeDefinition* cube, const Orbital* orbitals,
+                         unsigned count, OrbitalValues* result);
 
 /// Writes values of all grid points as comp_data does.
 void comp_write_values(const CubeDefinition* cube, std::span<const double> values, std::FILE* stream);

@@ -85,10 +85,10 @@ void write_file(const Molecule* molecule, const CubeDefinition* cube, std::FILE*
 void write_all_orbitals(const Molecule* molecule, const CubeDefinition* cube, std::FILE* report,
                         const char* name_format, std::int16_t code) {
   const Orbital* const orbitals = code == 201 ? molecule->beta_orbitals : molecule->alpha_orbitals;
-  const unsigned block = comp_orbital_block(cube);
-  for (unsigned first = 0; first < molecule->basis_count; first += block) {
-    const unsigned count = std::min(block, molecule->basis_count - first);
-    const OrbitalValues values = comp_orbital_values(molecule, cube, orbitals + first, count);
+  OrbitalValues values = comp_orbital_alloc(cube, molecule->basis_count);
+  for (unsigned first = 0; first < molecule->basis_count; first += values.orbital_count) {
+    const unsigned count = std::min(values.orbital_count, molecule->basis_count - first);
+    comp_orbital_values(molecule, cube, orbitals + first, count, &values);
     for (unsigned i = 0; i < count; ++i) {
       char name[1024];
       std::snprintf(name, sizeof name, name_format, glob_cube_file_orb, first + i + 1);

@@ -19,7 +19,7 @@ void eval_bfce_vec(const Molecule* molecule, const double* point, double* values
     const BasisFunction* function = &molecule->basis[b];
     double sum[1];
     eval_contractions(
-        function->coefficients, 0, function->primitive_count,
+        function->coefficients, function->primitive_count,
         [&](unsigned i, std::size_t) { return prim_fce(function, i, point); }, sum);
     values[b] = sum[0];
   }

@@ -26,14 +26,14 @@ struct Occupation {
 Occupation eval_occupation(const Molecule* molecule);
 
 /// Sums over primitives, from 0.0 in index order, for functions that share their contraction coefficients:
-/// sums[f] = Σ coefficients[i] · primitive(i, f) for first <= i < count.
+/// sums[f] = Σ coefficients[i] · primitive(i, f) for i < count.
 template <std::size_t Functions, class Real, class Primitive>
-inline void eval_contractions(const double* coefficients, unsigned first, unsigned count, Primitive primitive,
+inline void eval_contractions(const double* coefficients, unsigned count, Primitive primitive,
                               Real (&sums)[Functions]) {
   for (Real& sum : sums) {
     sum = 0.0;
   }
-  for (unsigned i = first; i < count; ++i) {
+  for (unsigned i = 0; i < count; ++i) {
     const Real coefficient = coefficients[i];
     for (std::size_t f = 0; f < Functions; ++f) {
       sums[f] = sums[f] + coefficient * primitive(i, f);

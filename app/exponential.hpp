@@ -26,15 +26,20 @@ template <class Real>
 Real exponential_fraction(const Real& x, const Real& k) {
   using namespace exponential_constants;
   const Real r = (x - k * ln2_high) - k * ln2_low;
-  Real polynomial = c[8];
-  for (int i = 7; i >= 0; --i) {
-    polynomial = polynomial * r + c[i];
+  // Even and odd powers apart: two short chains of operations instead of a long one.
+  const Real square = r * r;
+  Real even = c[7], odd = c[8];
+  for (int i = 5; i >= 1; i -= 2) {
+    even = even * square + c[i];
+    odd = odd * square + c[i + 1];
   }
-  polynomial = polynomial * r + 0.5;
+  even = even * square + 0.5;
+  odd = odd * square + c[0];
+  const Real polynomial = even + odd * r;
   // 1 + r is rounded; what it lost goes with the small terms.
   const Real sum = 1.0 + r;
   const Real lost = (1.0 - sum) + r;
-  return sum + (lost + (r * r) * polynomial);
+  return sum + (lost + square * polynomial);
 }
 
 /// exp(x) for |x| <= 708, where neither the result nor a step on the way leaves the normal numbers.

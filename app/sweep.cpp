@@ -145,8 +145,9 @@ Sweep::Sweep(const Molecule* molecule, const SweepKernel& kernel, SweepField fie
   }
   plan_atoms();
   plan_orbitals(orbitals);
-  active_.resize(std::size_t{block_points_ / kernel.tile_points} * plan_.shell_count);
-  active_list_.resize(plan_.basis_count + 1);
+  active_.resize(std::size_t{kernel.block_points_max / kernel.tile_points} * plan_.shell_count);
+  active_list_.resize(plan_.basis_count);
+  fields_.resize(block_points_ * std::max<std::size_t>(orbitals.size(), 2));
 }
 
 void Sweep::plan_atoms() {
@@ -267,13 +268,12 @@ void Sweep::plan_orbitals(std::span<const Orbital* const> orbitals) {
   plan_.groups = groups_.data();
 }
 
-void Sweep::run(unsigned count, double* points, double* values, double* first, double* second,
-                std::size_t stride) {
+void Sweep::run(unsigned count, double* points, double* values) {
   const unsigned padded = (count + kernel_.tile_points - 1) / kernel_.tile_points * kernel_.tile_points;
   double* const axes[3] = {points, points + block_points_, points + 2 * std::size_t{block_points_}};
   for (double* axis : axes) {
     std::fill(axis + count, axis + padded, axis[count - 1]);
   }
-  kernel_.run(plan_, {padded, axes[0], axes[1], axes[2], first, second, stride, aligned(values),
+  kernel_.run(plan_, {padded, axes[0], axes[1], axes[2], fields_.data(), block_points_, aligned(values),
                       aligned(exponential_values_.data()), active_.data(), active_list_.data()});
 }

@@ -68,8 +68,7 @@ struct SweepPlan {
 struct SweepBlock {
   unsigned point_count;
   const double *x, *y, *z;  // bohr
-  double* first;            // density, or orbitals `stride` values apart
-  double* second;           // potential
+  double* fields;           // density and potential, or orbitals, `stride` values apart
   std::size_t stride;
   // Working memory, on a 64-byte boundary.
   double* values;         // [tile][basis function][point of the tile]
@@ -111,9 +110,14 @@ class Sweep {
   /// Number of basis function values of a block, and what it takes to put them on a 64-byte boundary.
   unsigned value_count() const { return molecule_->basis_count * block_points_ + 8; }
 
-  /// Fields at `count` points, at most block_points(). `points` holds x, y and z in runs of block_points()
-  /// and is padded behind the last point up to a whole tile, as are the outputs.
-  void run(unsigned count, double* points, double* values, double* first, double* second, std::size_t stride);
+  /// Evaluates the fields at `count` points, at most block_points(). `points` holds x, y and z in runs of
+  /// block_points() and is padded behind the last point up to a whole tile. `values` takes value_count()
+  /// values of basis functions.
+  void run(unsigned count, double* points, double* values);
+
+  /// What the last run found: the total density (0) and the average local ionization potential (1), or the
+  /// orbitals in their order; block_points() values.
+  const double* field(std::size_t number) const { return fields_.data() + number * block_points_; }
 
  private:
   void plan_atoms();
@@ -134,7 +138,7 @@ class Sweep {
   std::vector<SweepExponential> exponentials_;
   std::vector<SweepOrbitals> groups_;
   std::vector<double> coefficients_, energies_;
-  std::vector<double> exponential_values_;
+  std::vector<double> exponential_values_, fields_;
   std::vector<unsigned char> active_;
   std::vector<unsigned> active_list_;
 };

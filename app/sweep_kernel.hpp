@@ -28,7 +28,7 @@ class SweepKernelFor {
   static void run(const SweepPlan& plan, const SweepBlock& block) {
     const unsigned tile_count = block.point_count / tile_points;
     __builtin_memset(block.active, plan.may_skip_functions ? 0 : 1,
-                     std::size_t{tile_count} * plan.shell_count);
+                     std::size_t{tiles_max} * plan.shell_count);
     Boxes boxes{};
     enclose(block, boxes);
     for (unsigned a = 0; a < plan.atom_count; ++a) {
@@ -40,6 +40,7 @@ class SweepKernelFor {
   }
 
   static constexpr unsigned pack_max = sweep_packs_max;
+  static constexpr unsigned tiles_max = pack_max / TilePacks;
 
   // The smallest box, with sides along the axes, around the points of each pack.
   struct Boxes {
@@ -51,16 +52,19 @@ class SweepKernelFor {
     unsigned pack_count;
     Vector<Real> offset[pack_max];
     Real r2[pack_max];
+    std::size_t place[pack_max];    // of a pack among the values of basis functions
     unsigned char order[pack_max];  // of the packs, nearest first
-    double nearest[pack_max + 1];   // no r² of a pack is smaller, in that order, and a sentinel
+    double nearest[pack_max];       // no r² of a pack is smaller, in that order; infinite behind the last
     double farthest[pack_max];      // no r² of the packs so far is larger, in that order
 
-    // How many packs, nearest first, have points with r² below `reach`; `known` of them are known.
-    unsigned count_within(double reach, unsigned known) const {
-      while (nearest[known] < reach) {
-        ++known;
+    // How many packs, nearest first, have points with r² below `reach`: a binary search without branches,
+    // which could not be foretold.
+    unsigned count_within(double reach) const {
+      unsigned count = 0;
+      for (unsigned step = pack_max / 2; step > 0; step /= 2) {
+        count += step * static_cast<unsigned>(nearest[count + step - 1] < reach);
       }
-      return known;
+      return count + static_cast<unsigned>(nearest[count] < reach);
     }
   };
 
@@ -74,10 +78,10 @@ class SweepKernelFor {
     for (const SweepShell* shell = atom.shells; shell != atom.shells + atom.shell_count; ++shell) {
       prim_shell(shell->type, [&](const auto& factors) {
         if (shell->is_whole) {
-          evaluate_shell(plan, block, *shell, around, factors);
+          evaluate_shell(block, *shell, around, factors);
         } else {
           angular_select(factors, shell->component, [&](const auto& factor) {
-            evaluate_shell(plan, block, *shell, around, std::tie(factor));
+            evaluate_shell(block, *shell, around, std::tie(factor));
           });
         }
       });
@@ -104,6 +108,8 @@ class SweepKernelFor {
                                   Real::load(block.z + at)};
       around.offset[p] = prim_offset(point, atom.coord);
       around.r2[p] = prim_r2(around.offset[p]);
+      around.place[p] =
+          std::size_t{p / TilePacks} * plan.basis_count * tile_points + p % TilePacks * Real::lanes;
     }
     double nearest[pack_max], farthest[pack_max];
     for (unsigned p = 0; p < pack_max; p += Real::lanes) {
@@ -145,7 +151,9 @@ class SweepKernelFor {
       farthest_so_far = farthest_so_far < far ? far : farthest_so_far;
       around.farthest[s] = farthest_so_far;
     }
-    around.nearest[around.pack_count] = HUGE_VAL;
+    for (unsigned s = around.pack_count; s < pack_max; ++s) {
+      around.nearest[s] = HUGE_VAL;
+    }
   }
 
   // The number with the position in its lowest bits: so near that the order does not suffer.
@@ -164,7 +172,7 @@ class SweepKernelFor {
       const unsigned p = around.order[s];
       function(around.r2[p] * -exponential_of.exponent).store(values + p * Real::lanes);
     };
-    const unsigned count = around.count_within(exponential_of.reach, 0);
+    const unsigned count = around.count_within(exponential_of.reach);
     unsigned s = 0;
     for (; s < count && exponential_of.exponent * around.farthest[s] < 708.0; ++s) {
       evaluate(s, [](const Real& x) { return exponential_normal(x); });
@@ -174,38 +182,54 @@ class SweepKernelFor {
     }
   }
 
-  template <class... Angular>
-  static void evaluate_shell(const SweepPlan& plan, const SweepBlock& block, const SweepShell& shell,
-                             const Surroundings& around, const std::tuple<Angular...>& angular) {
-    constexpr std::size_t functions = sizeof...(Angular);
-    // The farther away a pack, the later a primitive the sums may start at.
-    unsigned s = 0;
-    for (unsigned first = 0; first <= shell.term_count; ++first) {
-      const unsigned end =
-          first < shell.term_count ? around.count_within(shell.terms[first].reach, s) : around.pack_count;
+  template <class Angular>
+  static void evaluate_shell(const SweepBlock& block, const SweepShell& shell, const Surroundings& around,
+                             const Angular& angular) {
+    const auto evaluate_up_to = [&](unsigned end, unsigned s, unsigned first, auto count) {
       for (; s < end; ++s) {
-        const unsigned p = around.order[s];
-        const Vector<Real>& offset = around.offset[p];
-        const auto factors =
-            std::apply([&](const auto&... one) { return std::array{one(offset)...}; }, angular);
-        Real sums[functions];
-        eval_contractions(
-            shell.coefficients, first, shell.term_count,
-            [&](unsigned i, std::size_t f) {
-              const double* exponentials = block.exponentials + shell.terms[i].exponential * block_points_max;
-              return prim_value(Real(shell.norms[i * functions + f]),
-                                Real::load(exponentials + p * Real::lanes), factors[f]);
-            },
-            sums);
-        const std::size_t tile = p / TilePacks;
-        double* const values = block.values + (tile * plan.basis_count + shell.basis_index) * tile_points +
-                               p % TilePacks * Real::lanes;
-        for (std::size_t f = 0; f < functions; ++f) {
-          sums[f].store(values + f * tile_points);
-        }
-        block.active[tile * plan.shell_count + shell.number] |=
-            static_cast<unsigned char>(first < shell.term_count);
+        evaluate_pack(block, shell, around, s, first, count, angular);
       }
+      return end;
+    };
+    // The farther away a pack, the later the primitive that the sums may start at.
+    unsigned s = 0;
+    for (unsigned first = 0; first < shell.term_count; ++first) {
+      const unsigned end = around.count_within(shell.terms[first].reach);
+      const unsigned count = shell.term_count - first;
+      if (count == 1) {
+        s = evaluate_up_to(end, s, first, std::integral_constant<unsigned, 1>{});
+      } else {
+        s = evaluate_up_to(end, s, first, count);
+      }
+    }
+    for (unsigned in_reach = 0; in_reach < s; ++in_reach) {
+      block.active[shell.number * tiles_max + around.order[in_reach] / TilePacks] = 1;
+    }
+    evaluate_up_to(around.pack_count, s, shell.term_count, std::integral_constant<unsigned, 0>{});
+  }
+
+  // The functions of a shell at one pack, summed over `count` primitives from `first` on.
+  template <class Count, class... Angular>
+  static void evaluate_pack(const SweepBlock& block, const SweepShell& shell, const Surroundings& around,
+                            unsigned s, unsigned first, Count count, const std::tuple<Angular...>& angular) {
+    constexpr std::size_t functions = sizeof...(Angular);
+    const unsigned p = around.order[s];
+    const auto factors =
+        std::apply([&](const auto&... one) { return std::array{one(around.offset[p])...}; }, angular);
+    const double* const norms = shell.norms + first * functions;
+    const SweepTerm* const terms = shell.terms + first;
+    Real sums[functions];
+    eval_contractions(
+        shell.coefficients + first, count,
+        [&](unsigned i, std::size_t f) {
+          const double* const exponentials = block.exponentials + terms[i].exponential * block_points_max;
+          return prim_value(Real(norms[i * functions + f]), Real::load(exponentials + p * Real::lanes),
+                            factors[f]);
+        },
+        sums);
+    double* const values = block.values + around.place[p] + shell.basis_index * tile_points;
+    for (std::size_t f = 0; f < functions; ++f) {
+      sums[f].store(values + f * tile_points);
     }
   }
 
@@ -214,25 +238,24 @@ class SweepKernelFor {
     OccupiedSums<Real> sums[TilePacks];
     std::size_t orbital = 0;
     for (unsigned g = 0; g < plan.group_count; ++g) {
-      double* const output = block.first + orbital * block.stride + tile * tile_points;
+      double* const output = block.fields + orbital * block.stride + tile * tile_points;
       evaluate_group<TileOrbitals>(plan, block, plan.groups[g], tile, active_count, sums, output);
       orbital += plan.groups[g].count;
     }
     if (plan.field == SweepField::density_and_potential) {
       for (unsigned p = 0; p < TilePacks; ++p) {
         const std::size_t at = tile * tile_points + p * Real::lanes;
-        eval_total(sums[p], plan.restricted).store(block.first + at);
-        eval_potential(sums[p], plan.no_pairs).store(block.second + at);
+        eval_total(sums[p], plan.restricted).store(block.fields + at);
+        eval_potential(sums[p], plan.no_pairs).store(block.fields + block.stride + at);
       }
     }
   }
 
   // Lists the basis functions that are not 0 in the whole tile, in order.
   static unsigned list_active(const SweepPlan& plan, const SweepBlock& block, unsigned tile) {
-    const unsigned char* active = block.active + std::size_t{tile} * plan.shell_count;
     unsigned count = 0;
     for (unsigned n = 0; n < plan.shell_count; ++n) {
-      if (active[n] != 0) {
+      if (block.active[n * tiles_max + tile] != 0) {
         for (unsigned b = plan.shell_starts[n]; b < plan.shell_starts[n + 1]; ++b) {
           block.active_list[count++] = b;
         }
