@@ -1,0 +1,225 @@
+// The ratios that the sweep is judged by, all of one run: prints a table for each kernel of the program.
+//
+//   orva_ratios ORVA PLAIN FILE.fchk...
+//
+// ORVA is the program, PLAIN another one that makes the density and the potential of the automatic grid
+// (PLAIN FILE PREFIX), or "-" for none. Times are CPU times, the least of a few runs; whole runs are timed in
+// alternation and their median ratio taken.
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "comp.hpp"
+#include "eval.hpp"
+#include "fcheck.hpp"
+#include "limit.hpp"
+#include "setup.hpp"
+#include "sweep.hpp"
+#include "vec_base.hpp"
+
+namespace {
+
+constexpr int repetitions = 5;
+
+struct Cost {
+  double seconds;
+  long peak_kib;
+};
+
+template <class Work>
+double seconds_of(Work work) {
+  double least = 1e300;
+  for (int i = 0; i < repetitions; ++i) {
+    const std::clock_t start = std::clock();
+    work();
+    least = std::min(least, static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC);
+  }
+  return least;
+}
+
+Cost run_program(std::vector<std::string> words) {
+  std::vector<char*> arguments;
+  for (std::string& word : words) {
+    arguments.push_back(word.data());
+  }
+  arguments.push_back(nullptr);
+  const pid_t child = fork();
+  if (child == 0) {
+    execv(arguments[0], arguments.data());
+    _exit(127);
+  }
+  int status = 0;
+  rusage usage{};
+  wait4(child, &status, 0, &usage);
+  if (status != 0) {
+    std::fprintf(stderr, "%s failed\n", words[0].c_str());
+    std::exit(1);
+  }
+  const auto seconds = [](const timeval& time) {
+    return static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_usec);
+  };
+  return {seconds(usage.ru_utime) + seconds(usage.ru_stime), usage.ru_maxrss};
+}
+
+double median(std::vector<double> values) {
+  std::ranges::sort(values);
+  return values[values.size() / 2];
+}
+
+// The sweep over the automatic grid without text.
+double sweep_seconds(const Molecule& molecule, const CubeDefinition& cube, const SweepKernel& kernel,
+                     const std::vector<const Orbital*>& orbitals) {
+  Sweep sweep(&molecule, kernel, SweepField::density_and_potential, orbitals, 1e3);
+  const unsigned room = sweep.block_points();
+  std::vector<double> points(3 * room), values(sweep.value_count());
+  return seconds_of([&] {
+    const std::size_t total = std::size_t{cube.npoints[0]} * cube.npoints[1] * cube.npoints[2];
+    for (std::size_t done = 0; done < total; done += room) {
+      for (unsigned n = 0; n < room; ++n) {
+        const auto at = static_cast<unsigned>(done + n);
+        const unsigned k = at % cube.npoints[2], j = at / cube.npoints[2] % cube.npoints[1];
+        for (unsigned c = 0; c < 3; ++c) {
+          points[c * room + n] = cube_coordinate(&cube, at / cube.npoints[2] / cube.npoints[1], j, k, c);
+        }
+      }
+      sweep.run(room, points.data(), values.data());
+    }
+  });
+}
+
+// The named functions at some of the points, for all.
+double named_seconds(const Molecule& molecule, const CubeDefinition& cube) {
+  constexpr unsigned every = 8;  // along each axis
+  std::vector<double> values(molecule.basis_count);
+  unsigned count = 0;
+  const std::clock_t start = std::clock();
+  for (unsigned i = 0; i < cube.npoints[0]; i += every) {
+    for (unsigned j = 0; j < cube.npoints[1]; j += every) {
+      for (unsigned k = 0; k < cube.npoints[2]; k += every, ++count) {
+        double point[3], density, potential;
+        for (unsigned c = 0; c < 3; ++c) {
+          point[c] = cube_coordinate(&cube, i, j, k, c);
+        }
+        eval_bfce_vec(&molecule, point, values.data());
+        eval_orva(&molecule, values.data(), &density, &potential);
+      }
+    }
+  }
+  const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+  return seconds / count * cube.npoints[0] * cube.npoints[1] * cube.npoints[2];
+}
+
+std::vector<const Orbital*> occupied(const Molecule& molecule) {
+  std::vector<const Orbital*> orbitals;
+  for (const OccupiedOrbitals& spin : eval_occupation(&molecule).spin) {
+    for (unsigned i = 0; i < spin.count; ++i) {
+      orbitals.push_back(&spin.orbitals[i]);
+    }
+  }
+  return orbitals;
+}
+
+double limit_of(const SweepKernel& kernel) {
+  for (const Limit* limit : {
+#if defined(__x86_64__)
+         &limit_avx2, &limit_avx512,
+#endif
+             &limit_plain
+       }) {
+    if (std::strcmp(limit->kernel, kernel.name) == 0) {
+      return std::max(limit->pairs_per_second(), limit->pairs_per_second());
+    }
+  }
+  return 0.0;
+}
+
+void print_whole_runs(const std::string& program, const std::string& plain, const std::string& file) {
+  std::vector<double> ratios, text_shares;
+  std::vector<std::string> run = {program, "-i", file, "-t", "fchk", "-q"};
+  Cost cost{};
+  for (int i = 0; i < repetitions; ++i) {
+    cost = run_program(run);
+    if (plain != "-") {
+      ratios.push_back(run_program({plain, file, "plain"}).seconds / cost.seconds);
+    }
+  }
+  std::printf("  whole run %8.1f ms, peak memory %.1f MiB (file %.1f MiB)", 1e3 * cost.seconds,
+              static_cast<double>(cost.peak_kib) / 1024,
+              static_cast<double>(std::filesystem::file_size(file)) / 1048576);
+  if (!ratios.empty()) {
+    std::printf(", %.1f times faster than %s", median(ratios),
+                std::filesystem::path(plain).filename().c_str());
+  }
+  std::printf("\n");
+}
+
+void print_sweep(const Molecule& molecule, const SweepKernel& kernel) {
+  CubeDefinition cube;
+  cube_comp_params(&molecule, &cube);
+  const double points = 1.0 * cube.npoints[0] * cube.npoints[1] * cube.npoints[2];
+  const std::vector<const Orbital*> orbitals = occupied(molecule);
+  const double sweep = sweep_seconds(molecule, cube, kernel, orbitals);
+  const double basis = sweep_seconds(molecule, cube, kernel, {});
+  std::FILE* const out = std::fopen("values.cube", "w");
+  const std::vector<double> values(static_cast<std::size_t>(points), 1.2345678e-3);
+  const double text = seconds_of([&] {
+    std::rewind(out);
+    comp_write_values(&cube, values, out);
+  });
+  std::fclose(out);
+  const double pairs = points * static_cast<double>(orbitals.size()) * molecule.basis_count;
+  std::printf(
+      "  sweep %12.1f ms, %.0f times faster than the named functions; per point %.0f ns, per point, "
+      "function and orbital %.4f ns\n",
+      1e3 * sweep, named_seconds(molecule, cube) / sweep, 1e9 * sweep / points, 1e9 * sweep / pairs);
+  std::printf("  orbital sums %.1f ms: %.0f %% of the limit of multiplications and additions\n",
+              1e3 * (sweep - basis), 100 * pairs / (sweep - basis) / limit_of(kernel));
+  std::printf("  text of two files %.1f ms: %.0f %% of sweep and text, %.1f ns a value\n", 2e3 * text,
+              200 * text / (sweep + 2 * text), 1e9 * text / points);
+  OrbitalValues room = comp_orbital_alloc(&cube, molecule.basis_count);
+  const double all = seconds_of([&] {
+    for (unsigned first = 0; first < molecule.basis_count; first += room.orbital_count) {
+      const unsigned count = std::min(room.orbital_count, molecule.basis_count - first);
+      comp_orbital_values(&molecule, &cube, molecule.alpha_orbitals + first, count, &room);
+    }
+  });
+  std::printf("  all orbitals: values and text take %.2f times the text alone\n",
+              1.0 + all / (text * molecule.basis_count));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 4) {
+    std::fprintf(stderr, "usage: %s ORVA PLAIN FILE.fchk...\n", argv[0]);
+    return 1;
+  }
+  for (const SweepKernel* kernel : sweep_kernels()) {
+    if (!kernel->is_supported()) {
+      continue;
+    }
+    setenv("ORVA_KERNEL", kernel->name, 1);
+    for (int i = 3; i < argc; ++i) {
+      std::snprintf(glob_file_input, sizeof glob_file_input, "%s", argv[i]);
+      Molecule molecule;
+      mem_init_mol(&molecule);
+      fcheck_read(&molecule);
+      std::printf("%s %s: %u atoms, %u functions, %zu occupied orbitals\n", kernel->name, argv[i],
+                  molecule.atom_count, molecule.basis_count, occupied(molecule).size());
+      print_whole_runs(argv[1], argv[2], argv[i]);
+      print_sweep(molecule, *kernel);
+      mem_clean(&molecule, nullptr);
+    }
+  }
+  return 0;
+}
