@@ -1,0 +1,168 @@
+#include "config.hpp"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstring>
+#include <string>
+
+#include "sample.hpp"
+#include "setup.hpp"
+#include "support.hpp"
+
+namespace {
+
+void read_config(const std::string& text, CubeDefinition* cube) {
+  const Scratch directory;
+  const std::string path = directory / "config";
+  write_file(path, text);
+  std::strcpy(glob_file_config, path.c_str());
+  conf_read(cube);
+}
+
+struct Number {
+  std::string item;
+  std::int16_t* target;
+  std::int16_t standard;
+  std::string setting;
+  std::int16_t value;
+};
+
+const Number numbers[] = {
+    {"PRINTED_WIDTH", &conf_width, 5, "32767", 32767},
+    {"PRINT_COORD", &conf_print_coord, 1, "0", 0},
+    {"PRINT_ZMAT", &conf_print_zmat, 0, "1", 1},
+    {"PRINT_DIST_MAT", &conf_print_dmat, 0, "+1", 1},
+    {"PRINT_SHELL", &conf_print_shell, 1, "yes", 0},
+    {"PRINT_BASE", &conf_print_base, 0, "1x", 1},
+    {"PRINT_MO", &conf_print_mo, 0, "01", 1},
+    {"PRINT_CUBE_PAR", &conf_print_cubp, 1, "0\r", 0},
+    {"PRINT_CUBE", &conf_print_cube, 1, "-0", 0},
+    {"CUBE_TOT_DENSITY", &conf_cube_totd, 1, "0", 0},
+    {"CUBE_ALL_MO", &conf_cube_allmo, 0, "1\t# why not", 1},
+    {"CUBE_ONE_MO", &conf_cube_onemo, 0, "1 2", 1},
+    {"CUBE_ONE_TYPE", &conf_cube_onety, 0, "1", 1},
+    {"CUBE_ONE_SPEC", &conf_cube_onesp, 0, "7", 7},
+    {"CUBE_ONE_MODEN", &conf_cube_moden, 0, "12", 12},
+    {"CUBE_ORVA", &conf_cube_orva, 1, "0", 0},
+};
+
+const struct {
+  std::string item;
+  char* target;
+  std::string standard;
+} file_names[] = {
+    {"CUBE_FILE_DENSITY", glob_cube_file_tot, "out.tot"},
+    {"CUBE_FILE_ORBITAL", glob_cube_file_orb, "out.orb"},
+    {"CUBE_FILE_MODEN", glob_cube_file_mod, "out.mod"},
+    {"CUBE_FILE_ORVA", glob_cube_file_orva, "out.orva"},
+};
+
+// Runs of the program start with the defaults; tests share one process.
+class Config : public testing::Test {
+ protected:
+  CubeDefinition cube{};
+
+  void TearDown() override {
+    for (const auto& [item, target, standard, setting, value] : numbers) {
+      *target = standard;
+    }
+    for (const auto& [item, target, standard] : file_names) {
+      std::strcpy(target, standard.c_str());
+    }
+    conf_cube_def = 0;
+  }
+};
+
+TEST_F(Config, EveryNumericItemSetsItsOwnSettingAndNoOther) {
+  for (const Number& chosen : numbers) {
+    read_config(" \t" + chosen.item + " \t " + chosen.setting + "\n", &cube);
+    for (const Number& other : numbers) {
+      EXPECT_EQ(*other.target, &other == &chosen ? other.value : other.standard) << chosen.item << other.item;
+    }
+    TearDown();
+  }
+}
+
+TEST_F(Config, FileNamesAreCopiedAsTheyStandAndTheLastOneCounts) {
+  const std::string longest(31, 'n');
+  for (const auto& [item, target, standard] : file_names) {
+    EXPECT_EQ(target, standard);
+    read_config(item + " first\n\n# " + item + " never\n" + item + " " + longest + " rest\n", &cube);
+    EXPECT_EQ(target, longest);
+    read_config(item + " a=\"b\"\r", &cube);  // no newline at the end of the file
+    EXPECT_EQ(target, std::string("a=\"b\"\r"));
+  }
+}
+
+TEST_F(Config, GivenVectorsMayBeFollowedByComments) {
+  read_config("DEFINE_CUBE 1 vectors\n-1\n0.5 2e-1 # origin\n.25 0 0 # x\n0 1 0 y" + std::string(2000, '!') +
+                  "\n0 -1 .125\n\n80 70\n60\n#\nDEFINE_CUBE 0\nPRINT_ZMAT 1\n",
+              &cube);
+  EXPECT_EQ(conf_cube_def, 1);
+  EXPECT_EQ(conf_print_zmat, 1);
+  EXPECT_EQ(std::to_array(cube.npoints), (std::array{80U, 70U, 60U}));
+  EXPECT_EQ(std::to_array(cube.points[0]), (std::array{-1.0, 0.5, 0.2}));
+  EXPECT_EQ(std::to_array(cube.vectors[0]), (std::array{0.25, 0.0, 0.0}));
+  EXPECT_EQ(std::to_array(cube.vectors[1]), (std::array{0.0, 1.0, 0.0}));
+  EXPECT_EQ(std::to_array(cube.vectors[2]), (std::array{0.0, -1.0, 0.125}));
+}
+
+TEST_F(Config, GivenPointsAreReadAcrossLines) {
+  read_config("DEFINE_CUBE 2\n1 2 3 4 5 6\n7 8\n9 10\n\n11 12 0 1 2", &cube);
+  EXPECT_EQ(conf_cube_def, 2);
+  EXPECT_EQ(std::to_array(cube.npoints), (std::array{0U, 1U, 2U}));
+  for (unsigned i = 0; i < 12; ++i) {
+    EXPECT_EQ(cube.points[i / 3][i % 3], i + 1);
+  }
+}
+
+TEST_F(Config, WhatIsWrongIsSaidAndEndsTheRun) {
+  const std::string format = "wrong format of config file - ";
+  const std::string value = "invalid value in config file - ";
+  const std::string grid = " in cube definition";
+  const std::string vectors = "DEFINE_CUBE 1\n0 0 0\n1 0 0\n0 1 0\n";
+  const std::string points = "DEFINE_CUBE 2\n0 0 0 1 0 0 1 1 0 ";
+  const struct {
+    std::string text;
+    std::string message;
+  } rows[] = {
+      {"PRINT_COORD -1", value + "0 or 1 expected"},
+      {"CUBE_ORVA 2", value + "0 or 1 expected"},
+      {"CUBE_ORVA 4294967297", value + "0 or 1 expected"},
+      {"PRINTED_WIDTH 0", value + "integer greater than 0 expected"},
+      {"PRINTED_WIDTH 32768", value + "integer greater than 0 expected"},
+      {"CUBE_ONE_SPEC -1", value + "integer greater than -1 expected"},
+      {"CUBE_ONE_MODEN 99999999999999999999", value + "integer greater than -1 expected"},
+      {"print_coord 1", "invalid option in config file 'print_coord'"},
+      {"PRINT_COORD=1 x", "invalid option in config file 'PRINT_COORD=1'"},
+      {"PRINT_COORD\n", format + "setting"},
+      {"PRINT_COORD \t\n", format + "setting"},
+      {"PRINT_COORD", format + "setting"},
+      {std::string(31, 'N') + " 1", "invalid option in config file '" + std::string(31, 'N') + "'"},
+      {std::string(32, 'N') + " 1", format + "item name"},
+      {std::string(1023, ' ') + "\n", format + "item name"},
+      {std::string(1020, ' ') + "ABC 1\n", format + "item name"},
+      {"CUBE_FILE_ORVA " + std::string(32, 's'), format + "setting"},
+      {"CUBE_FILE_ORVA " + std::string(1020, ' ') + "s\n", format + "setting"},
+      {"CUBE_FILE_ORVA " + std::string(1007, ' ') + "s\n", format + "setting"},
+      {"DEFINE_CUBE 3", "invalid type of cube definition"},
+      {"DEFINE_CUBE -1", "invalid type of cube definition"},
+      {"DEFINE_CUBE 1\n0 0 # 0", "cannot read point" + grid},
+      {"DEFINE_CUBE 1\n0 0 0", "unexpected end of config file while reading cube definition"},
+      {"DEFINE_CUBE 1\n0 0 0\n", "unexpected end of file while reading cube definition"},
+      {vectors, "unexpected end of file while reading cube definition"},
+      {vectors + "0 0 # 1\n", "cannot read vectors" + grid},
+      {vectors + "0 0 1\n8 8\n", "cannot read ranges" + grid},
+      {vectors + "0 0 1\n8 8 -8\n", "cannot read ranges" + grid},
+      {points + "# D\n1 1 1\n8 8 8\n", "cannot read points" + grid},
+      {points + "1 1 1\n8 x\n", "cannot read ranges" + grid},
+      {points + "1 1 1\n8 8 8.5\n", format + "setting"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.text);
+    expect_error([&] { read_config(row.text, &cube); }, row.message);
+  }
+}
+
+}  // namespace
