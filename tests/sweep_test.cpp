@@ -166,12 +166,12 @@ TEST(Sweep, GivesEveryBitOfEveryBasisFunction) {
                 atom.coord[c] + r * direction[c] / std::hypot(direction[0], direction[1], direction[2]);
           }
         }
-        sweep.run(count, points.data(), values.data(), result.data(), nullptr, room);
+        sweep.run(count, points.data(), values.data());
         for (unsigned i = 0; i < count; ++i) {
           const double point[3] = {points[i], points[room + i], points[2 * room + i]};
           eval_bfce_vec(molecule.get(), point, expected.data());
           for (unsigned b = 0; b < n; ++b) {
-            ASSERT_EQ(bits_of(result[b * std::size_t{room} + i]), bits_of(expected[b]))
+            ASSERT_EQ(bits_of(sweep.field(b)[i]), bits_of(expected[b]))
                 << kernel->name << ' ' << name << ' ' << b;
           }
         }
@@ -183,16 +183,18 @@ TEST(Sweep, GivesEveryBitOfEveryBasisFunction) {
 TEST(Sweep, BlocksOfOrbitalsHaveTheValuesOfSingleOnes) {
   const auto molecule = read_text(fcheck_read, fchk_text(every_shell("UHF")));
   const CubeDefinition& cube = grids[0];
-  const OrbitalValues values = comp_orbital_values(molecule.get(), &cube, molecule->beta_orbitals + 1, 9);
+  OrbitalValues values = comp_orbital_alloc(&cube, 9);
+  comp_orbital_values(molecule.get(), &cube, molecule->beta_orbitals + 1, 9, &values);
   for (std::int16_t orbital = 2; orbital <= 10; ++orbital) {
     EXPECT_EQ(written([&](std::FILE* stream) {
                 comp_write_values(&cube, values.of(static_cast<std::size_t>(orbital - 2)), stream);
               }),
               text_of_points(*molecule, cube, 201, orbital, false));
   }
-  EXPECT_EQ(comp_orbital_block(&grids[5]), 65535U);
-  const CubeDefinition huge = {{4000, 4000, 4000}, {}, {}};
-  EXPECT_EQ(comp_orbital_block(&huge), 1U);
+  const CubeDefinition big = {{400, 400, 400}, {}, {}};
+  EXPECT_EQ(comp_orbital_alloc(&big, 9).orbital_count, 1U);
+  const CubeDefinition usual = {{80, 80, 80}, {}, {}};
+  EXPECT_EQ(comp_orbital_alloc(&usual, 900).orbital_count, 65U);
 }
 
 TEST(ScientificText, IsThatOfPrintf) {

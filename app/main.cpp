@@ -1,0 +1,37 @@
+#include <cstdio>
+
+#include "config.hpp"
+#include "cube.hpp"
+#include "fcheck.hpp"
+#include "memory.hpp"
+#include "options.hpp"
+#include "report.hpp"
+#include "setup.hpp"
+#include "wfn.hpp"
+
+int main(int argc, char** argv) {
+  argument(argc, argv);
+
+  CubeDefinition cube;
+  conf_read(&cube);
+
+  Molecule molecule;
+  mem_init_mol(&molecule);
+  if (inp_format == input_fchk) {
+    fcheck_read(&molecule);
+  } else {
+    wfn_read(&molecule);
+  }
+  cube_define(&molecule, &cube);
+
+  // Only now: an input that cannot be read leaves an earlier report as it was.
+  Report report = {&molecule, &cube, set_output(), nullptr};
+  report_banner(report);
+  report_listings(&report);
+  report_cubes(report);
+  report_end(report);
+
+  close_output(report.stream);
+  mem_clean(&molecule, report.distances);
+  return 0;
+}

@@ -1,0 +1,159 @@
+#include "report.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <span>
+
+#include "basis.hpp"
+#include "coord.hpp"
+#include "dmat.hpp"
+#include "file.hpp"
+#include "mat_print.hpp"
+#include "orbit.hpp"
+#include "print.hpp"
+#include "setup.hpp"
+#include "units.hpp"
+#include "zmat.hpp"
+
+namespace {
+
+enum class Spins { any, restricted, unrestricted };
+
+struct Listing {
+  const std::int16_t* flag;
+  Spins spins;  // of the wavefunctions that have this listing
+  const char* heading;
+  void (*print)(Report* report);
+};
+
+double** distances_of(Report* report) {
+  if (report->distances == nullptr) {
+    report->distances = dmat_alloc(report->molecule);
+  }
+  return report->distances;
+}
+
+void print_coordinates(Report* report) { coord_print(report->molecule, report->stream); }
+
+void print_zmatrix(Report* report) { zmat_print(report->molecule, report->stream, distances_of(report)); }
+
+void print_distances(Report* report) {
+  mat_ffprint_Sc_scale(report->stream, distances_of(report), report->molecule->atom_count,
+                       static_cast<unsigned>(conf_width), angstrom_per_bohr);
+}
+
+void print_shells(Report* report) { basis_print_shell(report->molecule, report->stream); }
+
+void print_basis(Report* report) { basis_print(report->molecule, report->stream); }
+
+template <std::int16_t spin>
+void print_orbitals(Report* report) {
+  orbit_print_mo(report->molecule, report->stream, spin, static_cast<unsigned>(conf_width));
+}
+
+void print_grid(Report* report) { cube_print_params(report->molecule, report->cube, report->stream, 0); }
+
+// In the order of the report.
+constexpr std::array listings = {
+    Listing{&conf_print_coord, Spins::any, "\n  Cartesian coordinates: [Ang]\n\n", print_coordinates},
+    Listing{&conf_print_zmat, Spins::any, "\n\n  Internal coordinates (Z-matrix): [Ang,Deg]\n\n",
+            print_zmatrix},
+    Listing{&conf_print_dmat, Spins::any, "\n\n  Distance matrix: [Ang]\n\n", print_distances},
+    Listing{&conf_print_shell, Spins::any, "\n\n  Contracted shells:\n\n", print_shells},
+    Listing{&conf_print_base, Spins::any, "\n\n  Basis functions:\n\n", print_basis},
+    Listing{&conf_print_mo, Spins::restricted, "\n\n  Molecular orbitals:\n\n", print_orbitals<orbit_alpha>},
+    Listing{&conf_print_mo, Spins::unrestricted, "\n\n  Alpha molecular orbitals:\n\n",
+            print_orbitals<orbit_alpha>},
+    Listing{&conf_print_mo, Spins::unrestricted, "\n\n  Beta molecular orbitals:\n\n",
+            print_orbitals<orbit_beta>},
+    Listing{&conf_print_cubp, Spins::any, "\n\n  Cube file parameters:\n\n", print_grid},
+};
+
+bool is_wanted(const Listing& listing) {
+  const Spins present = inp_rest_scf != 0 ? Spins::restricted : Spins::unrestricted;
+  return *listing.flag != 0 && (listing.spins == Spins::any || listing.spins == present);
+}
+
+// A kind of field by its code in cube_write, and the settings that ask for it together.
+struct CubeField {
+  std::int16_t code;
+  std::array<const std::int16_t*, 2> flags;  // null: no second setting
+};
+
+constexpr std::array orbital_fields = {
+    CubeField{21, {&conf_cube_allmo}},
+    CubeField{31, {&conf_cube_onemo}},
+    CubeField{42, {&conf_cube_moden}},
+};
+
+// The density costs nothing beside the ionization potential, so one sweep gives both.
+constexpr std::array density_fields = {
+    CubeField{50, {&conf_cube_orva, &conf_cube_totd}},
+    CubeField{63, {&conf_cube_orva}},
+    CubeField{10, {&conf_cube_totd}},
+};
+
+bool is_asked_for(const CubeField& field) {
+  return std::ranges::all_of(field.flags, [](auto* flag) { return flag == nullptr || *flag != 0; });
+}
+
+void write_first(const Report& report, std::span<const CubeField> fields) {
+  const auto field = std::ranges::find_if(fields, is_asked_for);
+  if (field != fields.end()) {
+    cube_write(report.molecule, report.cube, report.stream, field->code);
+  }
+}
+
+}  // namespace
+
+std::FILE* set_output() { return glob_file_output[0] != '\0' ? file_open(glob_file_output, "w") : stdout; }
+
+void close_output(std::FILE* stream) {
+  if (stream != stdout) {
+    file_close(stream);
+  } else if (std::fflush(stream) != 0 || std::ferror(stream) != 0) {
+    // The only message beside standard output, which has just failed.
+    std::fputs("warning: file closing failured\n", stderr);
+  }
+}
+
+void report_banner(const Report& report) {
+  if (arg_quiet != 0) {
+    return;
+  }
+  print_fhline(report.stream);
+  print_fcenter(report.stream, "ORVA 1.4");
+  print_fhline(report.stream);
+}
+
+void report_listings(Report* report) {
+  if (arg_quiet != 0) {
+    return;
+  }
+  for (const Listing& listing : listings) {
+    if (is_wanted(listing)) {
+      std::fputs(listing.heading, report->stream);
+      listing.print(report);
+    }
+  }
+}
+
+void report_cubes(const Report& report) {
+  if (conf_print_cube == 0) {
+    return;
+  }
+  if (arg_quiet == 0) {
+    std::fputc('\n', report.stream);
+  }
+  write_first(report, orbital_fields);
+  write_first(report, density_fields);
+}
+
+void report_end(const Report& report) {
+  if (arg_quiet != 0) {
+    return;
+  }
+  std::fputc('\n', report.stream);
+  print_fccenter(report.stream, "End", '-');
+}

@@ -1,0 +1,311 @@
+// The built program, run as its users run it.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <numbers>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "basis.hpp"
+#include "memory.hpp"
+#include "orbit.hpp"
+#include "small_files.hpp"
+#include "support.hpp"
+
+namespace {
+
+struct Result {
+  int status;
+  std::string output;  // standard output and standard error
+};
+
+/// Runs the program in `directory`; `arguments` are words of the shell.
+Result run(const Scratch& directory, const std::string& arguments) {
+  const std::string output = directory / ".output";
+  const std::string command =
+      "cd " + directory.path().string() + " && " ORVA_PROGRAM " " + arguments + " >.output 2>&1";
+  const int status = std::system(command.c_str());
+  const Result result = {WIFEXITED(status) ? WEXITSTATUS(status) : -1, read_file(output)};
+  std::filesystem::remove(output);
+  return result;
+}
+
+std::set<std::string> files(const Scratch& directory) {
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(directory.path())) {
+    names.insert(entry.path().filename());
+  }
+  return names;
+}
+
+// Lithium with an sp shell and hydrogen with an s shell, unrestricted. Coefficient m of alpha orbital r is
+// r + m/10, of beta orbital r its negative; the energies are -r/4.
+std::string lithium_hydride() {
+  return fchk_text({.title = "lithium hydride",
+                    .method = "UHF",
+                    .electrons = 3,
+                    .alpha_electrons = 2,
+                    .beta_electrons = 1,
+                    .atoms = {{3, {0, 0, 0}}, {1, {0, 0, 3}}},
+                    .shells = {{-1, 1, {1.5, 0.25}, {0.5, -0.75}, {0.125, 2}}, {0, 2, {0.5}, {1}, {}}},
+                    .coefficient = [](unsigned r, unsigned m) { return r + 1 + (m + 1) / 10.0; },
+                    .energy = [](unsigned r) { return (r + 1) / -4.0; }});
+}
+
+const std::string grid = "DEFINE_CUBE 1\n0.5 0 -1\n0.25 0 0\n0 0.5 0\n0 0 1\n2 1 7\n";
+
+const std::string cube_parameters =
+    "    2    0.500000    0.000000   -1.000000\n"
+    "    2    0.250000    0.000000    0.000000\n"
+    "    1    0.000000    0.500000    0.000000\n"
+    "    7    0.000000    0.000000    1.000000\n";
+
+const std::string cube_atoms =
+    "    3    3.000000    0.000000    0.000000    0.000000\n"
+    "    1    1.000000    0.000000    0.000000    3.000000\n";
+
+const std::string banner =
+    std::string(80, '-') + "\n" + std::string(36, ' ') + "ORVA 1.4\n" + std::string(80, '-') + "\n";
+const std::string closing = "\n" + std::string(37, '-') + " End " + std::string(38, '-') + "\n";
+
+const std::string run_lih = "-i lih.fchk -t fchk ";
+
+class Run : public testing::Test {
+ protected:
+  Scratch here;
+
+  void SetUp() override { write_file(here / "lih.fchk", lithium_hydride()); }
+
+  // Standard output of a run that must succeed.
+  std::string report(const std::string& config, const std::string& arguments = run_lih) {
+    write_file(here / "config", config);
+    const auto [status, output] = run(here, arguments);
+    EXPECT_EQ(status, 0) << output;
+    return output;
+  }
+};
+
+TEST_F(Run, WholeReportLineByLine) {
+  const std::string config =
+      "PRINT_ZMAT 1\nPRINT_DIST_MAT 1\nPRINT_BASE 1\nPRINT_MO 1\nPRINTED_WIDTH 3\nCUBE_ONE_MODEN 2\n";
+  EXPECT_EQ(report(config + grid), read_file(ORVA_TEST_DATA "/report.txt"));
+  EXPECT_EQ(files(here), (std::set<std::string>{"config", "lih.fchk", "out.mod.2a", "out.orva", "out.tot"}));
+}
+
+// Value of orbital 1 at a point on a grid line x, 0, z, from the closed forms of s and p Gaussians.
+double first_orbital(double x, double z) {
+  const auto s = [](double exponent, double r2) {
+    return std::pow(2 * exponent / std::numbers::pi, 0.75) * std::exp(-exponent * r2);
+  };
+  const double r2 = x * x + z * z;
+  const double p = 0.125 * 2 * std::sqrt(1.5) * s(1.5, r2) + 2 * 2 * std::sqrt(0.25) * s(0.25, r2);
+  return 1.1 * (0.5 * s(1.5, r2) - 0.75 * s(0.25, r2)) + 1.2 * x * p + 1.4 * z * p +
+         1.5 * s(0.5, x * x + (z - 3) * (z - 3));
+}
+
+TEST_F(Run, OrbitalCubeFileHasHeaderRowsOfSixAndTheRightValues) {
+  report("CUBE_ONE_MO 1\nCUBE_ONE_SPEC 1\nCUBE_ORVA 0\nCUBE_TOT_DENSITY 0\nCUBE_FILE_ORBITAL mo.cube\n" +
+         grid);
+  const std::string cube = read_file(here / "mo.cube");
+  std::string expected =
+      " lithium hydride\n Molecular orbital\n" + cube_parameters + cube_atoms + "    1    1\n";
+  expected.replace(expected.find("    2 "), 6, "   -2 ");
+  ASSERT_EQ(cube.substr(0, expected.size()), expected);
+
+  std::istringstream data(cube.substr(expected.size()));
+  std::string line;
+  for (const double x : {0.5, 0.75}) {
+    for (const int begin : {0, 6}) {
+      ASSERT_TRUE(std::getline(data, line));
+      ASSERT_EQ(line.size(), begin == 0 ? 6 * 13 : 13);
+      for (unsigned i = 0; i < line.size() / 13; ++i) {
+        const double value = first_orbital(x, begin + static_cast<int>(i) - 1);
+        EXPECT_NEAR(std::stod(line.substr(i * 13, 13)), value, 6e-6 * std::abs(value));
+      }
+    }
+  }
+  EXPECT_FALSE(std::getline(data, line)) << line;
+}
+
+// The words of a cube file behind its header.
+std::vector<double> values(const std::string& cube) {
+  const auto begin = cube.find(cube_atoms) + cube_atoms.size();
+  std::istringstream words(cube.substr(begin));
+  return {std::istream_iterator<double>(words), {}};
+}
+
+TEST_F(Run, DensityAndIonizationPotentialCorrespondPointByPoint) {
+  report("CUBE_ALL_MO 1\n" + grid);
+  const auto density = values(read_file(here / "out.tot"));
+  const auto potential = values(read_file(here / "out.orva"));
+  auto first = values(read_file(here / "out.orb.1a"));
+  auto second = values(read_file(here / "out.orb.2a"));
+  ASSERT_EQ(density.size(), 14);
+  ASSERT_EQ(potential.size(), 14);
+  first.erase(first.begin(), first.begin() + 2);  // 1 and the number of the orbital
+  second.erase(second.begin(), second.begin() + 2);
+  for (unsigned i = 0; i < 14; ++i) {
+    const double one = 2 * first[i] * first[i];  // alpha and beta orbital 1 differ in their sign only
+    const double two = second[i] * second[i];
+    EXPECT_NEAR(density[i], one + two, 4e-5 * density[i]);
+    EXPECT_NEAR(potential[i], (0.25 * one + 0.5 * two) / (one + two), 4e-5);
+  }
+}
+
+TEST_F(Run, SettingsChooseTheFilesOfEachGroup) {
+  const struct {
+    std::string config;
+    std::string names;
+  } rows[] = {
+      {"", "out.orva out.tot "},
+      {"PRINT_CUBE 0\nCUBE_ALL_MO 1", ""},
+      {"CUBE_TOT_DENSITY 0\nCUBE_FILE_ORVA a", "a "},
+      {"CUBE_ORVA 0\nCUBE_FILE_DENSITY d", "d "},
+      {"CUBE_ORVA 0\nCUBE_TOT_DENSITY 0", ""},
+      {"CUBE_ORVA 0\nCUBE_TOT_DENSITY 0\nCUBE_ONE_MO 1\nCUBE_ONE_SPEC 5\nCUBE_ONE_TYPE 1\nCUBE_ONE_MODEN 3",
+       "out.orb "},
+      {"CUBE_ORVA 0\nCUBE_ONE_MODEN 3\nCUBE_FILE_MODEN m", "m.3a out.tot "},
+      {"CUBE_TOT_DENSITY 0\nCUBE_ALL_MO 1\nCUBE_ONE_MO 1\nCUBE_ONE_MODEN 3\nCUBE_FILE_ORBITAL o",
+       "o.1a o.1b o.2a o.2b o.3a o.3b o.4a o.4b o.5a o.5b out.orva "},
+  };
+  for (const auto& [config, expected] : rows) {
+    const Scratch directory;
+    write_file(directory / "l", lithium_hydride());
+    write_file(directory / "c", grid + "\n" + config);
+    const auto [status, output] = run(directory, "-q -c c -i l -t fchk");
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(output, "") << config;
+    std::string names;
+    for (const std::string& name : files(directory)) {
+      names += name != "c" && name != "l" ? name + " " : "";
+    }
+    EXPECT_EQ(names, expected) << config;
+  }
+}
+
+TEST_F(Run, OutputFileIsLeftAloneUntilTheInputIsRead) {
+  write_file(here / "report", "of an earlier run\n");
+  write_file(here / "bad.fchk", "title\nSP RHF basis\nNumber of atoms I many\n");
+  write_file(here / "config", "PRINT_CUBE 0");
+  const auto [status, output] = run(here, "-o report -t fchk -i bad.fchk");
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(output, "error: cannot convert last word into integer\n");
+  EXPECT_EQ(read_file(here / "report"), "of an earlier run\n");
+
+  const std::string listings = "PRINT_COORD 0\nPRINT_SHELL 0\nPRINT_CUBE_PAR 0\n";
+  EXPECT_EQ(report("PRINT_CUBE 0\n" + listings, run_lih + "-o report"), "");
+  EXPECT_EQ(read_file(here / "report"), banner + closing);
+  EXPECT_EQ(report(grid + listings, run_lih + "-o report"), "");
+  EXPECT_EQ(read_file(here / "report"), banner + "\n  Writing file out.tot...  OK\n" + closing);
+  EXPECT_EQ(report("PRINT_CUBE 0", run_lih + "-q -o report"), "");
+  EXPECT_EQ(read_file(here / "report"), "");
+}
+
+const std::string usage =
+    "usage: orva [-qwpP] [-c <config_file>] [-o <output_file>] -i <input_file> -t <input_format>\n";
+
+TEST_F(Run, HelpIsUsageAndOptions) {
+  const auto [status, output] = run(here, "-q -i x -h -i");
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(output, usage + read_file(ORVA_TEST_DATA "/help.txt"));
+}
+
+TEST_F(Run, WrongCommandLinesAndInputsEndWithOneMessage) {
+  const std::string no_config = "warning: config file not found, using default setting\n";
+  const struct {
+    std::string arguments;
+    std::string output;
+  } rows[] = {
+      {"", usage + "error: argument <input_file> is not set\n"},
+      {"-i lih.fchk", usage + "error: argument <input_format> is not set\n"},
+      {"-qc config", usage},
+      {run_lih + "-x", usage + "error: unknown option \"-x\"\n"},
+      {run_lih + "more", usage + "error: excessive argument \"more\"\n"},
+      {"-i lih.fchk -t FCHK", "error: unknown format of input file\n"},
+      {run_lih + "-o " + std::string(256, 'o'), "error: argument is longer than 255 characters\n"},
+      {"-t wfn -i none", "error: cannot open file \"none\"\n"},
+      {"-t wfn -i none -qw -c none", no_config + "error: cannot open file \"none\"\n"},
+      {run_lih + "-q -o no/report", "error: cannot open file \"no/report\"\n"},
+  };
+  for (const auto& [arguments, expected] : rows) {
+    const auto [status, output] = run(here, arguments);
+    EXPECT_EQ(status, 1) << arguments;
+    EXPECT_EQ(output, expected) << arguments;
+  }
+  EXPECT_EQ(files(here), std::set<std::string>{"lih.fchk"});
+}
+
+TEST_F(Run, ConfigFileThatCannotBeOpenedGivesWayToTheStandardOne) {
+  EXPECT_EQ(
+      report(grid + "PRINT_CUBE 0\nPRINT_COORD 0\nPRINT_SHELL 0\nPRINT_CUBE_PAR 0", run_lih + "-w -c none"),
+      banner + closing);
+}
+
+TEST_F(Run, SamplesAreWrittenByTheFirstSwitchAndCanBeReadBack) {
+  for (const auto& [arguments, file] :
+       {std::pair{"-c other -p -P -x", "/sample.config"}, {"-q -P -p", "/sample_explained.config"}}) {
+    write_file(here / "config", "to be replaced");
+    const auto [status, output] = run(here, arguments);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(output, "sample config file \"config\" has been written\n");
+    const std::string sample = read_file(here / "config");
+    EXPECT_EQ(sample, read_file(std::string(ORVA_TEST_DATA) + file));
+    EXPECT_EQ(report(sample + "PRINT_CUBE 0\n").substr(0, banner.size()), banner);
+  }
+}
+
+TEST_F(Run, GridExamplesOfTheCommentedSampleCanBeMadeActive) {
+  run(here, "-P");
+  const std::string sample = read_file(here / "config");
+  const auto active = [&](const std::string& heading) {
+    std::string text = sample + "PRINT_CUBE 0\nPRINT_COORD 0\n";
+    auto line = text.find(heading);
+    EXPECT_NE(line, std::string::npos);
+    for (int i = 0; i < 6; ++i, line = text.find('\n', line) + 1) {
+      text.erase(line, 2);
+    }
+    return text;
+  };
+  EXPECT_NE(report(active("# DEFINE_CUBE 1")).find("   80    0.125000    0.000000    0.000000\n"),
+            std::string::npos);
+  write_file(here / "config", active("# DEFINE_CUBE 2"));
+  const auto [status, output] = run(here, run_lih);
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(output, "error: cannot read points in cube definition\n");
+}
+
+TEST_F(Run, RestrictedWavefunctionHasOneOrbitalListing) {
+  const std::string output = report("PRINT_MO 1\nPRINT_COORD 0\nPRINT_SHELL 0\nPRINT_CUBE 0",
+                                    "-t fchk -i " ORVA_EXAMPLES "/water.fchk");
+  const std::string heading = banner + "\n\n  Molecular orbitals:\n\n              1              2";
+  EXPECT_EQ(output.substr(0, heading.size()), heading);
+  EXPECT_EQ(output.find("lpha"), std::string::npos);
+  // 19 functions: three blocks of five columns and one of four, each with a line of numbers and 19 rows.
+  EXPECT_EQ(std::ranges::count(output, '\n'), 3 + 4 + 4 * 20 + 4 + 4 + 2);
+}
+
+TEST(Listing, ShellsWithoutSymbolAndAtomsWithoutElementAreCalledX) {
+  Atom atom = {112, {0, 0, 0}, "?"};
+  std::vector<BasisFunction> functions;
+  for (const auto& [type, count] : {std::pair<short, unsigned>{4, 15}, {-4, 9}, {-3, 7}, {0, 1}}) {
+    functions.insert(functions.end(), count, {type, 0, type, 0, 4294967294U, nullptr, nullptr, &atom});
+  }
+  Molecule molecule = {};
+  molecule.basis = functions.data();
+  molecule.basis_count = static_cast<unsigned>(functions.size());
+  EXPECT_EQ(written([&](std::FILE* stream) { basis_print_shell(&molecule, stream); }),
+            "  Shell   1, Atom X4294967295, Type   X, Num primitive   0\n"
+            "  Shell   2, Atom X4294967295, Type   X, Num primitive   0\n"
+            "  Shell   3, Atom X4294967295, Type  F7, Num primitive   0\n"
+            "  Shell   4, Atom X4294967295, Type   S, Num primitive   0\n");
+  expect_error([&] { orbit_print_mo(&molecule, stdout, 3, 5); }, "invalid code in function orbit_print_mo");
+}
+
+}  // namespace
