@@ -1,0 +1,48 @@
+# Sourced by the scripts beside it: goes to the top of the tree, installs what a build lacks, builds.
+# shellcheck shell=bash
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+has_googletest() { echo '#include <gtest/gtest.h>' | "${CXX:-g++}" -x c++ -std=c++20 -fsyntax-only - 2>/dev/null; }
+
+# Installs the Debian packages named, or says which they are and stops.
+install() {
+  local as_root=()
+  if [ "$(id -u)" -ne 0 ]; then
+    as_root=(sudo -n)
+  fi
+  if ! command -v apt-get >/dev/null || ! "${as_root[@]}" true 2>/dev/null; then
+    echo "Please install these first (names of the Debian packages): $*" >&2
+    exit 1
+  fi
+  "${as_root[@]}" apt-get update -qq
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "$@"
+}
+
+# need PACKAGE COMMAND...: the package is missing if the command fails.
+missing=()
+need() {
+  local package=$1
+  shift
+  "$@" >/dev/null 2>&1 || missing+=("$package")
+}
+
+install_missing() {
+  need cmake command -v cmake
+  need make command -v make
+  need g++ command -v "${CXX:-g++}"
+  if [ "${1:-}" = tests ]; then
+    need libgtest-dev has_googletest
+  fi
+  if [ "${#missing[@]}" -gt 0 ]; then
+    install "${missing[@]}"
+  fi
+}
+
+# build DIRECTORY OPTION...: configures and builds a release.
+build() {
+  local directory=$1
+  shift
+  cmake -S . -B "$directory" -DCMAKE_BUILD_TYPE=Release "$@"
+  cmake --build "$directory" --parallel "$(nproc)"
+}
