@@ -96,8 +96,10 @@ class CubeText {
 
  private:
   void flush() {
-    std::fwrite(text_.data(), 1, used_, stream_);
-    used_ = 0;
+    if (used_ > 0) {  // a text without a stream stays empty
+      std::fwrite(text_.data(), 1, used_, stream_);
+      used_ = 0;
+    }
   }
 
   std::FILE* stream_;
@@ -166,13 +168,16 @@ void comp_data(const Molecule* molecule, const CubeDefinition* cube, std::int16_
   });
 }
 
-OrbitalValues comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_count) {
+unsigned comp_orbital_block(const CubeDefinition* cube) {
   const double point_count = 1.0 * cube->npoints[0] * cube->npoints[1] * cube->npoints[2];
-  const double fitting = orbital_memory / (sizeof(double) * std::max(point_count, 1.0));
+  return static_cast<unsigned>(
+      std::min(orbital_memory / sizeof(double) / std::max(point_count, 1.0), 65535.0));
+}
+
+OrbitalValues comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_count) {
   OrbitalValues result;
-  result.orbital_count =
-      fitting < orbital_count ? std::max(static_cast<unsigned>(fitting), 1U) : orbital_count;
-  result.point_count = static_cast<std::size_t>(point_count);
+  result.orbital_count = std::min(orbital_count, comp_orbital_block(cube));
+  result.point_count = std::size_t{cube->npoints[0]} * cube->npoints[1] * cube->npoints[2];
   result.values.reset(new (std::nothrow) double[result.point_count * result.orbital_count]);
   if (result.values == nullptr) {
     msg_fatal("cannot allocate memory for values of orbitals");

@@ -31,7 +31,10 @@ struct OrbitalValues {
   }
 };
 
-/// Room for `orbital_count` orbitals, or for fewer (at least one) to stay within 256 MiB.
+/// How many orbitals' values at all grid points 256 MiB hold; 0 if the grid is too large for one.
+unsigned comp_orbital_block(const CubeDefinition* cube);
+
+/// Room for `orbital_count` orbitals, or for as many as comp_orbital_block tells, which must not be 0.
 /// Without memory the run ends with "cannot allocate memory for values of orbitals".
 OrbitalValues comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_count);
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+#include <string>
 
 #include "atom.hpp"
 #include "comp.hpp"
@@ -80,19 +80,31 @@ void write_file(const Molecule* molecule, const CubeDefinition* cube, std::FILE*
   }
 }
 
-// One file per orbital of a spin. The orbitals are evaluated in blocks, so that the basis functions are
-// evaluated once for many files.
+std::string orbital_file_name(std::int16_t code, unsigned number) {
+  return std::string(glob_cube_file_orb) + '.' + std::to_string(number) + (code == 201 ? 'b' : 'a');
+}
+
+// One file per orbital of a spin. Where memory allows, the orbitals are evaluated in blocks, so that the
+// basis functions are evaluated once for many files.
 void write_all_orbitals(const Molecule* molecule, const CubeDefinition* cube, std::FILE* report,
-                        const char* name_format, std::int16_t code) {
+                        std::int16_t code) {
+  const unsigned orbital_count = molecule->basis_count;
+  if (comp_orbital_block(cube) < 2) {
+    for (unsigned n = 1; n <= orbital_count; ++n) {
+      cube_write_file(molecule, cube, report, orbital_file_name(code, n).c_str(), code,
+                      static_cast<std::int16_t>(n));
+    }
+    return;
+  }
   const Orbital* const orbitals = code == 201 ? molecule->beta_orbitals : molecule->alpha_orbitals;
-  OrbitalValues values = comp_orbital_alloc(cube, molecule->basis_count);
-  for (unsigned first = 0; first < molecule->basis_count; first += values.orbital_count) {
-    const unsigned count = std::min(values.orbital_count, molecule->basis_count - first);
+  OrbitalValues values = comp_orbital_alloc(cube, orbital_count);
+  for (unsigned first = 0; first < orbital_count; first += values.orbital_count) {
+    const unsigned count = std::min(values.orbital_count, orbital_count - first);
     comp_orbital_values(molecule, cube, orbitals + first, count, &values);
     for (unsigned i = 0; i < count; ++i) {
-      char name[1024];
-      std::snprintf(name, sizeof name, name_format, glob_cube_file_orb, first + i + 1);
-      write_file(molecule, cube, report, name, code, static_cast<std::int16_t>(first + i + 1),
+      const unsigned n = first + i + 1;
+      write_file(molecule, cube, report, orbital_file_name(code, n).c_str(), code,
+                 static_cast<std::int16_t>(n),
                  [&](std::FILE* stream, std::FILE*) { comp_write_values(cube, values.of(i), stream); });
     }
   }
@@ -210,9 +222,9 @@ void cube_write(const Molecule* molecule, const CubeDefinition* cube, std::FILE*
       cube_write_file(molecule, cube, report, glob_cube_file_tot, code, 0);
       break;
     case 21:
-      write_all_orbitals(molecule, cube, report, "%s.%ua", 101);
+      write_all_orbitals(molecule, cube, report, 101);
       if (inp_rest_scf == 0) {
-        write_all_orbitals(molecule, cube, report, "%s.%ub", 201);
+        write_all_orbitals(molecule, cube, report, 201);
       }
       break;
     case 31:

@@ -20,7 +20,6 @@ struct Occupation {
   bool restricted;
   OccupiedOrbitals spin[2];  // alpha, beta
 
-  unsigned count() const { return spin[0].count + spin[1].count; }
   bool no_pairs() const { return restricted && spin[0].count == 0; }
 };
 Occupation eval_occupation(const Molecule* molecule);

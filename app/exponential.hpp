@@ -23,29 +23,28 @@ inline constexpr double c[] = {0x1.555555555555cp-3,  0x1.5555555552ff0p-5,  0x1
 
 /// exp(x) / 2^k for k = the integer nearest to x / ln 2.
 template <class Real>
-Real exponential_fraction(const Real& x, const Real& k) {
+[[gnu::always_inline]] inline Real exponential_fraction(const Real& x, const Real& k) {
   using namespace exponential_constants;
   const Real r = (x - k * ln2_high) - k * ln2_low;
-  // Even and odd powers apart: two short chains of operations instead of a long one.
+  // Estrin's scheme: short chains of operations side by side.
   const Real square = r * r;
-  Real even = c[7], odd = c[8];
-  for (int i = 5; i >= 1; i -= 2) {
-    even = even * square + c[i];
-    odd = odd * square + c[i + 1];
-  }
-  even = even * square + 0.5;
-  odd = odd * square + c[0];
-  const Real polynomial = even + odd * r;
+  const Real fourth = square * square;
+  const Real low = (0.5 + c[0] * r) + (c[1] + c[2] * r) * square;
+  const Real high = (c[3] + c[4] * r) + (c[5] + c[6] * r) * square;
+  const Real polynomial = low + (high + (c[7] + c[8] * r) * fourth) * fourth;
   // 1 + r is rounded; what it lost goes with the small terms.
   const Real sum = 1.0 + r;
   const Real lost = (1.0 - sum) + r;
   return sum + (lost + square * polynomial);
 }
 
-/// exp(x) for |x| <= 708, where neither the result nor a step on the way leaves the normal numbers.
-/// The same bits as exponential(x).
+/// Largest magnitude of an argument of exponential_normal.
+inline constexpr double exponential_normal_limit = 708.0;
+
+/// exp(x) for |x| up to exponential_normal_limit, where neither the result nor a step on the way leaves the
+/// normal numbers. The same bits as exponential(x).
 template <class Real>
-Real exponential_normal(const Real& x) {
+[[gnu::always_inline]] inline Real exponential_normal(const Real& x) {
   using namespace exponential_constants;
   const Real shifted = x * log2_e + shifter;
   const Real fraction = exponential_fraction(x, shifted - shifter);

@@ -23,6 +23,7 @@ int main(int argc, char** argv) {
     wfn_read(&molecule);
   }
   cube_define(&molecule, &cube);
+  report_check(&molecule);
 
   // Only now: an input that cannot be read leaves an earlier report as it was.
   Report report = {&molecule, &cube, set_output(), nullptr};

@@ -75,7 +75,11 @@ void argument(int argc, char** argv) {
   arg_read(argc, argv, table);
 
   if (wants_simple != 0 || wants_verbose != 0) {
-    wants_simple != 0 ? conf_print_simple() : conf_print_verbose();
+    if (wants_simple != 0) {
+      conf_print_simple();
+    } else {
+      conf_print_verbose();
+    }
     std::exit(0);
   }
   check_lengths(argc, argv);

@@ -98,11 +98,10 @@ bool is_asked_for(const CubeField& field) {
   return std::ranges::all_of(field.flags, [](auto* flag) { return flag == nullptr || *flag != 0; });
 }
 
-void write_first(const Report& report, std::span<const CubeField> fields) {
+// The code of the first field that is asked for; 0 if there is none.
+std::int16_t first_code(std::span<const CubeField> fields) {
   const auto field = std::ranges::find_if(fields, is_asked_for);
-  if (field != fields.end()) {
-    cube_write(report.molecule, report.cube, report.stream, field->code);
-  }
+  return conf_print_cube != 0 && field != fields.end() ? field->code : std::int16_t{0};
 }
 
 }  // namespace
@@ -139,6 +138,8 @@ void report_listings(Report* report) {
   }
 }
 
+void report_check(const Molecule* molecule) { cube_check(molecule, first_code(orbital_fields)); }
+
 void report_cubes(const Report& report) {
   if (conf_print_cube == 0) {
     return;
@@ -146,8 +147,9 @@ void report_cubes(const Report& report) {
   if (arg_quiet == 0) {
     std::fputc('\n', report.stream);
   }
-  write_first(report, orbital_fields);
-  write_first(report, density_fields);
+  for (const std::int16_t code : {first_code(orbital_fields), first_code(density_fields)}) {
+    cube_write(report.molecule, report.cube, report.stream, code);
+  }
 }
 
 void report_end(const Report& report) {

@@ -30,6 +30,9 @@ void report_banner(const Report& report);
 /// Makes the distance matrix when the first listing needs it.
 void report_listings(Report* report);
 
+/// Ends the run if the settings ask for the cube file of an orbital that the wavefunction does not have.
+void report_check(const Molecule* molecule);
+
 /// Writes the cube files that the settings ask for, quiet or not: at most one kind of orbital file and one
 /// kind of density file. Progress is told in the report.
 void report_cubes(const Report& report);

@@ -9,6 +9,7 @@
 #include <numeric>
 
 #include "eval.hpp"
+#include "exponential.hpp"
 #include "message.hpp"
 #include "norm.hpp"
 #include "shell.hpp"
@@ -88,7 +89,7 @@ unsigned position_of(std::vector<SweepExponential>& exponentials, std::size_t fi
       return static_cast<unsigned>(e - first);
     }
   }
-  exponentials.push_back({exponent, 0.0});
+  exponentials.push_back({exponent, 0.0, exponent > 0.0 ? exponential_normal_limit / exponent : 0.0});
   return static_cast<unsigned>(exponentials.size() - 1 - first);
 }
 

@@ -32,8 +32,9 @@ struct SweepShell {
 
 /// exp(-exponent·r²), shared by all primitives of an atom that have the exponent.
 struct SweepExponential {
-  double exponent;  // bohr^-2
-  double reach;     // bohr²: from this r² on, no shell needs it
+  double exponent;      // bohr^-2
+  double reach;         // bohr²: from this r² on, no shell needs it
+  double normal_reach;  // bohr²: up to this r², its argument is one of exponential_normal
 };
 
 /// A centre with all that belongs to it.

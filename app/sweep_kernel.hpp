@@ -18,7 +18,7 @@ class SweepKernelFor {
  public:
   static constexpr unsigned tile_points = TilePacks * Real::lanes;
   static constexpr unsigned block_points_max = sweep_packs_max * Real::lanes;
-  static_assert(sweep_packs_max % TilePacks == 0);
+  static_assert(sweep_packs_max % TilePacks == 0 && TilePacks % 2 == 0);
 
   static constexpr SweepKernel as(const char* name, bool (*is_supported)()) {
     return {name, is_supported, tile_points, TileOrbitals, block_points_max, run};
@@ -47,26 +47,27 @@ class SweepKernelFor {
     double low[3][pack_max], high[3][pack_max];
   };
 
-  // Where the points of a block lie as seen from an atom.
+  // Where the points of a block lie as seen from an atom. The packs are taken nearest first: `order` tells
+  // which they are.
   struct Surroundings {
     unsigned pack_count;
+    unsigned char order[pack_max];
+    double nearest[pack_max];   // no r² of the pack is smaller; infinite behind the last pack
+    double farthest[pack_max];  // no r² of the packs so far is larger; likewise
     Vector<Real> offset[pack_max];
     Real r2[pack_max];
-    std::size_t place[pack_max];    // of a pack among the values of basis functions
-    unsigned char order[pack_max];  // of the packs, nearest first
-    double nearest[pack_max];       // no r² of a pack is smaller, in that order; infinite behind the last
-    double farthest[pack_max];      // no r² of the packs so far is larger, in that order
-
-    // How many packs, nearest first, have points with r² below `reach`: a binary search without branches,
-    // which could not be foretold.
-    unsigned count_within(double reach) const {
-      unsigned count = 0;
-      for (unsigned step = pack_max / 2; step > 0; step /= 2) {
-        count += step * static_cast<unsigned>(nearest[count + step - 1] < reach);
-      }
-      return count + static_cast<unsigned>(nearest[count] < reach);
-    }
+    std::size_t place[pack_max];  // among the values of basis functions
   };
+
+  // How many of the ascending numbers are below `bound`: a bisection without branches, which could not be
+  // foretold.
+  static unsigned count_below(const double (&numbers)[pack_max], double bound) {
+    unsigned count = 0;
+    for (unsigned step = pack_max / 2; step > 0; step /= 2) {
+      count += step * static_cast<unsigned>(numbers[count + step - 1] < bound);
+    }
+    return count + static_cast<unsigned>(numbers[count] < bound);
+  }
 
   static void evaluate_atom(const SweepPlan& plan, const SweepBlock& block, const Boxes& boxes,
                             const SweepAtom& atom) {
@@ -102,15 +103,6 @@ class SweepKernelFor {
   static void look_around(const SweepPlan& plan, const SweepBlock& block, const Boxes& boxes,
                           const SweepAtom& atom, Surroundings& around) {
     around.pack_count = block.point_count / Real::lanes;
-    for (unsigned p = 0; p < around.pack_count; ++p) {
-      const unsigned at = p * Real::lanes;
-      const Vector<Real> point = {Real::load(block.x + at), Real::load(block.y + at),
-                                  Real::load(block.z + at)};
-      around.offset[p] = prim_offset(point, atom.coord);
-      around.r2[p] = prim_r2(around.offset[p]);
-      around.place[p] =
-          std::size_t{p / TilePacks} * plan.basis_count * tile_points + p % TilePacks * Real::lanes;
-    }
     double nearest[pack_max], farthest[pack_max];
     for (unsigned p = 0; p < pack_max; p += Real::lanes) {
       Real near = 0.0, far = 0.0;
@@ -126,6 +118,16 @@ class SweepKernelFor {
       (plan.may_skip_primitives ? far : Real(HUGE_VAL)).store(farthest + p);
     }
     sort_packs(nearest, farthest, around);
+    for (unsigned s = 0; s < around.pack_count; ++s) {
+      const unsigned p = around.order[s];
+      const unsigned at = p * Real::lanes;
+      const Vector<Real> point = {Real::load(block.x + at), Real::load(block.y + at),
+                                  Real::load(block.z + at)};
+      around.offset[s] = prim_offset(point, atom.coord);
+      around.r2[s] = prim_r2(around.offset[s]);
+      around.place[s] =
+          std::size_t{p / TilePacks} * plan.basis_count * tile_points + p % TilePacks * Real::lanes;
+    }
   }
 
   // Each pack's rank is the number of packs nearer than it; all ranks are counted side by side.
@@ -145,14 +147,12 @@ class SweepKernelFor {
       around.order[ranks[p / Real::lanes][p % Real::lanes]] = static_cast<unsigned char>(p);
     }
     double farthest_so_far = 0.0;
-    for (unsigned s = 0; s < around.pack_count; ++s) {
-      around.nearest[s] = nearest[around.order[s]];
-      const double far = farthest[around.order[s]];
+    for (unsigned s = 0; s < pack_max; ++s) {
+      const bool is_there = s < around.pack_count;
+      const double far = is_there ? farthest[around.order[s]] : HUGE_VAL;
       farthest_so_far = farthest_so_far < far ? far : farthest_so_far;
+      around.nearest[s] = is_there ? nearest[around.order[s]] : HUGE_VAL;
       around.farthest[s] = farthest_so_far;
-    }
-    for (unsigned s = around.pack_count; s < pack_max; ++s) {
-      around.nearest[s] = HUGE_VAL;
     }
   }
 
@@ -168,17 +168,19 @@ class SweepKernelFor {
 
   static void evaluate_exponential(const SweepExponential& exponential_of, const Surroundings& around,
                                    double* values) {
-    const auto evaluate = [&](unsigned s, auto function) {
-      const unsigned p = around.order[s];
-      function(around.r2[p] * -exponential_of.exponent).store(values + p * Real::lanes);
-    };
-    const unsigned count = around.count_within(exponential_of.reach);
+    const unsigned count = count_below(around.nearest, exponential_of.reach);
+    const unsigned normal_count = count_below(around.farthest, exponential_of.normal_reach);
+    const Real factor = -exponential_of.exponent;
+    // Two at a time keep the processor busy; a value too many behind the last does no harm.
     unsigned s = 0;
-    for (; s < count && exponential_of.exponent * around.farthest[s] < 708.0; ++s) {
-      evaluate(s, [](const Real& x) { return exponential_normal(x); });
+    for (const unsigned end = count < normal_count ? count : normal_count; s < end; s += 2) {
+      const Real one = exponential_normal(around.r2[s] * factor);
+      const Real other = exponential_normal(around.r2[s + 1] * factor);
+      one.store(values + s * Real::lanes);
+      other.store(values + (s + 1) * Real::lanes);
     }
-    for (; s < count; ++s) {
-      evaluate(s, [](const Real& x) { return exponential(x); });
+    for (s = normal_count; s < count; ++s) {
+      exponential(around.r2[s] * factor).store(values + s * Real::lanes);
     }
   }
 
@@ -194,7 +196,7 @@ class SweepKernelFor {
     // The farther away a pack, the later the primitive that the sums may start at.
     unsigned s = 0;
     for (unsigned first = 0; first < shell.term_count; ++first) {
-      const unsigned end = around.count_within(shell.terms[first].reach);
+      const unsigned end = count_below(around.nearest, shell.terms[first].reach);
       const unsigned count = shell.term_count - first;
       if (count == 1) {
         s = evaluate_up_to(end, s, first, std::integral_constant<unsigned, 1>{});
@@ -213,9 +215,8 @@ class SweepKernelFor {
   static void evaluate_pack(const SweepBlock& block, const SweepShell& shell, const Surroundings& around,
                             unsigned s, unsigned first, Count count, const std::tuple<Angular...>& angular) {
     constexpr std::size_t functions = sizeof...(Angular);
-    const unsigned p = around.order[s];
     const auto factors =
-        std::apply([&](const auto&... one) { return std::array{one(around.offset[p])...}; }, angular);
+        std::apply([&](const auto&... one) { return std::array{one(around.offset[s])...}; }, angular);
     const double* const norms = shell.norms + first * functions;
     const SweepTerm* const terms = shell.terms + first;
     Real sums[functions];
@@ -223,11 +224,11 @@ class SweepKernelFor {
         shell.coefficients + first, count,
         [&](unsigned i, std::size_t f) {
           const double* const exponentials = block.exponentials + terms[i].exponential * block_points_max;
-          return prim_value(Real(norms[i * functions + f]), Real::load(exponentials + p * Real::lanes),
+          return prim_value(Real(norms[i * functions + f]), Real::load(exponentials + s * Real::lanes),
                             factors[f]);
         },
         sums);
-    double* const values = block.values + around.place[p] + shell.basis_index * tile_points;
+    double* const values = block.values + around.place[s] + shell.basis_index * tile_points;
     for (std::size_t f = 0; f < functions; ++f) {
       sums[f].store(values + f * tile_points);
     }

@@ -8,7 +8,8 @@
 /// Opens `path` in a mode of fopen. Failure ends the run with `cannot open file "PATH"`.
 std::FILE* file_open(const char* path, const char* mode);
 
-/// Closes the stream. If that fails, or an earlier write to the stream failed, warns "file closing failured".
+/// Closes the stream. If that fails, or an earlier read or write of the stream failed, warns "file closing
+/// failured".
 void file_close(std::FILE* stream);
 
 /// A new anonymous temporary file, open for update. Failure ends the run with "cannot open temporary file".

@@ -4,7 +4,7 @@
 
 // One-line messages on standard output, and the one place where a fatal error ends the process.
 
-/// A function to be called before a fatal error ends the process, with its two arguments.
+/// A function to be called when an error has been told, with its two arguments.
 using MessageHook = void (*)(void* first, void* second);
 
 struct MessageErrorHook {

@@ -17,8 +17,8 @@ class Reader {
   Reader(const Reader&) = delete;
   Reader& operator=(const Reader&) = delete;
 
-  /// Like fgets: at most piece.size() - 1 characters, up to and including a newline, terminated.
-  /// False, with nothing stored, at the end of the file.
+  /// Like fgets, into at least one character: at most piece.size() - 1 characters, up to and including a
+  /// newline, terminated. False, with nothing stored, at the end of the file.
   bool line(std::span<char> piece);
 
   /// Skips up to `width` raw characters, newlines included; false if there is none left. A carriage return is
@@ -30,8 +30,9 @@ class Reader {
   bool word(std::span<char> text);
 
   /// "%d", "%u" and "%lf": white space (line ends included) is skipped and the longest beginning of a number
-  /// is taken; what follows it is left unread. False, with nothing stored, if no number is there. A value
-  /// that does not fit its type counts as none ("%u" takes a minus sign, as the C library does).
+  /// is taken; what follows it is left unread. False, with nothing stored, if no number is there. An integer
+  /// that does not fit its type counts as none ("%u" takes a minus sign, as the C library does); a real
+  /// beyond the largest is infinite.
   bool number(int& value);
   bool number(unsigned& value);
   bool number(double& value);

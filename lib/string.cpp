@@ -31,7 +31,8 @@ int str_compare(const char* first, const char* second) {
     ++first;
     ++second;
   }
-  return *skip(first, " \n") == '\0' && *skip(second, " \n") == '\0';
+  const bool is_end_reached = *first == '\0' || *second == '\0';
+  return is_end_reached && *skip(first, " \n") == '\0' && *skip(second, " \n") == '\0';
 }
 
 double str_dsnum(char* word) {
