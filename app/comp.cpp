@@ -17,7 +17,7 @@ double* comp_bfce_vec = nullptr;
 
 namespace {
 
-constexpr double orbital_memory = 256.0 * 1024 * 1024;  // bytes at most for the values of many orbitals
+constexpr double orbital_memory = 64.0 * 1024 * 1024;  // bytes at most for the values of many orbitals
 
 const Orbital* orbital_of(const Molecule* molecule, std::int16_t code, std::int16_t orbital) {
   return (code == 201 ? molecule->beta_orbitals : molecule->alpha_orbitals) + (orbital - 1);
@@ -116,7 +116,7 @@ double extent_of(const CubeDefinition* cube) {
     for (unsigned axis = 0; axis < 3; ++axis) {
       reach += cube->npoints[axis] * std::fabs(cube->vectors[axis][c]);
     }
-    extent = reach <= extent ? extent : reach;
+    extent += reach;  // an upper bound, and NaN stays NaN
   }
   return extent;
 }

@@ -31,7 +31,7 @@ struct OrbitalValues {
   }
 };
 
-/// How many orbitals' values at all grid points 256 MiB hold; 0 if the grid is too large for one.
+/// How many orbitals' values at all grid points 64 MiB hold; 0 if the grid is too large for one.
 unsigned comp_orbital_block(const CubeDefinition* cube);
 
 /// Room for `orbital_count` orbitals, or for as many as comp_orbital_block tells, which must not be 0.

@@ -7,7 +7,7 @@
 
 inline constexpr auto d5_zzrr = [](const auto& r) {
   const auto& [x, y, z] = r;
-  return 2.0 * z * z - x * x - y * y;
+  return 2.0 * (z * z) - x * x - y * y;
 };
 inline constexpr auto d5_xxyy = [](const auto& r) {
   const auto& [x, y, z] = r;

@@ -7,26 +7,26 @@
 
 inline constexpr auto f7_z3r2z = [](const auto& r) {
   const auto& [x, y, z] = r;
-  return 2.0 * cubed(z) - 3.0 * x * x * z - 3.0 * y * y * z;
+  return 2.0 * cubed(z) - 3.0 * (x * x) * z - 3.0 * (y * y) * z;
 };
 // x(4z² - x² - y²), and the same with x and y exchanged.
 template <std::size_t Axis>
 inline constexpr auto f7_z2xr2x = [](const auto& r) {
   const auto &a = r[Axis], &b = r[1 - Axis], &z = r[2];
-  return 4.0 * z * z * a - cubed(a) - b * b * a;
+  return 4.0 * (z * z) * a - cubed(a) - b * b * a;
 };
 inline constexpr auto f7_x2zy2z = [](const auto& r) {
   const auto& [x, y, z] = r;
-  return x * x * z - y * y * z;
+  return z * (x * x - y * y);
 };
 inline constexpr AxisProduct<3> f7_xyz = {{0, 1, 2}};
 inline constexpr auto f7_x3y2x = [](const auto& r) {
   const auto& [x, y, z] = r;
-  return cubed(x) - 3.0 * x * y * y;
+  return cubed(x) - 3.0 * x * (y * y);
 };
 inline constexpr auto f7_x2yy3 = [](const auto& r) {
   const auto& [x, y, z] = r;
-  return 3.0 * x * x * y - cubed(y);
+  return 3.0 * (x * x) * y - cubed(y);
 };
 
 /// Angular factors in the order of the components: Cartesian xxx, yyy, zzz, xyy, xxy, xxz, xzz, yzz, yyz,

@@ -22,28 +22,28 @@ inline constexpr auto g9_z4z2r2r4 = [](const auto& r) {
 };
 inline constexpr auto g9_z3xr2xz = [](const auto& r) {
   const auto& [x, y, z] = r;
-  return x * z * (4.0 * z * z - 3.0 * x * x - 3.0 * y * y);
+  return x * z * (4.0 * (z * z) - 3.0 * (x * x) - 3.0 * (y * y));
 };
 inline constexpr auto g9_z3yr2yz = [](const auto& r) {
   const auto& [x, y, z] = r;
-  return y * z * (4.0 * z * z - 3.0 * x * x - 3.0 * y * y);
+  return y * z * (4.0 * (z * z) - 3.0 * (x * x) - 3.0 * (y * y));
 };
 inline constexpr auto g9_x2y2z2 = [](const auto& r) {
   const auto& [x, y, z] = r;
   const auto xx = x * x, yy = y * y;
-  return yy * yy - xx * xx + 6.0 * z * z * (xx - yy);
+  return yy * yy - xx * xx + 6.0 * (z * z) * (xx - yy);
 };
 inline constexpr auto g9_xyz2xyr2 = [](const auto& r) {
   const auto& [x, y, z] = r;
-  return x * y * (6.0 * z * z - x * x - y * y);
+  return x * y * (6.0 * (z * z) - x * x - y * y);
 };
 inline constexpr auto g9_x3zy2xz = [](const auto& r) {
   const auto& [x, y, z] = r;
-  return cubed(x) * z - 3.0 * x * y * y * z;
+  return cubed(x) * z - 3.0 * x * (y * y) * z;
 };
 inline constexpr auto g9_x2yzy3z = [](const auto& r) {
   const auto& [x, y, z] = r;
-  return 3.0 * x * x * y * z - cubed(y) * z;
+  return 3.0 * (x * x) * y * z - cubed(y) * z;
 };
 inline constexpr auto g9_x4y4x2y2 = [](const auto& r) {
   const auto& [x, y, z] = r;

@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <span>
 
 namespace {
@@ -24,7 +25,7 @@ struct NormClass {
   Norm norm;
 };
 
-constexpr int all = 1 << 15;  // beyond any component
+constexpr int all = std::numeric_limits<int>::max();
 
 constexpr std::array d6_classes = {NormClass{2, make(2048, 9)}, NormClass{all, make(2048, 1)}};
 constexpr std::array f10_classes = {NormClass{2, make(32768, 225)}, NormClass{8, make(32768, 9)},

@@ -71,10 +71,10 @@ struct SweepBlock {
   const double *x, *y, *z;  // bohr
   double* fields;           // density and potential, or orbitals, `stride` values apart
   std::size_t stride;
-  // Working memory, on a 64-byte boundary.
+  // Working memory; the values and exponentials on 64-byte boundaries.
   double* values;         // [tile][basis function][point of the tile]
   double* exponentials;   // [exponential of an atom][point]
-  unsigned char* active;  // [tile][basis function]: not 0 at every point
+  unsigned char* active;  // [shell][tile]: whether some point is within its reach
   unsigned* active_list;  // [basis function]
 };
 

@@ -81,7 +81,7 @@ class SweepKernelFor {
         if (shell->is_whole) {
           evaluate_shell(block, *shell, around, factors);
         } else {
-          angular_select(factors, shell->component, [&](const auto& factor) {
+          angular_select(factors, shell->type == 0 ? 0 : shell->component, [&](const auto& factor) {
             evaluate_shell(block, *shell, around, std::tie(factor));
           });
         }
@@ -239,7 +239,7 @@ class SweepKernelFor {
     OccupiedSums<Real> sums[TilePacks];
     std::size_t orbital = 0;
     for (unsigned g = 0; g < plan.group_count; ++g) {
-      double* const output = block.fields + orbital * block.stride + tile * tile_points;
+      const std::size_t output = orbital * block.stride + tile * tile_points;
       evaluate_group<TileOrbitals>(plan, block, plan.groups[g], tile, active_count, sums, output);
       orbital += plan.groups[g].count;
     }
@@ -268,7 +268,7 @@ class SweepKernelFor {
   template <unsigned Orbitals>
   static void evaluate_group(const SweepPlan& plan, const SweepBlock& block, const SweepOrbitals& group,
                              unsigned tile, unsigned active_count, OccupiedSums<Real> (&sums)[TilePacks],
-                             double* output) {
+                             std::size_t output) {
     if (group.count != Orbitals) {
       if constexpr (Orbitals > 1) {
         evaluate_group<Orbitals - 1>(plan, block, group, tile, active_count, sums, output);
@@ -283,16 +283,18 @@ class SweepKernelFor {
         orbitals);
     for (unsigned o = 0; o < Orbitals; ++o) {
       for (unsigned p = 0; p < TilePacks; ++p) {
-        double* const to = output + o * block.stride + p * Real::lanes;
+        const auto store = [&](const Real& value) {
+          value.store(block.fields + output + o * block.stride + p * Real::lanes);
+        };
         switch (plan.field) {
           case SweepField::density_and_potential:
             sums[p].add(orbitals[o][p], group.energy_magnitudes[o]);
             break;
           case SweepField::orbital:
-            orbitals[o][p].store(to);
+            store(orbitals[o][p]);
             break;
           case SweepField::orbital_density:
-            eval_square(orbitals[o][p]).store(to);
+            store(eval_square(orbitals[o][p]));
             break;
         }
       }
