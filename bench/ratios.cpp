@@ -37,9 +37,9 @@ struct Cost {
 };
 
 template <class Work>
-double seconds_of(Work work) {
+double seconds_of(int times, Work work) {
   double least = 1e300;
-  for (int i = 0; i < repetitions; ++i) {
+  for (int i = 0; i < times; ++i) {
     const std::clock_t start = std::clock();
     work();
     least = std::min(least, static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC);
@@ -82,7 +82,7 @@ double sweep_seconds(const Molecule& molecule, const CubeDefinition& cube, const
   Sweep sweep(&molecule, kernel, SweepField::density_and_potential, orbitals, 1e3);
   const unsigned room = sweep.block_points();
   std::vector<double> points(3 * room), values(sweep.value_count());
-  return seconds_of([&] {
+  return seconds_of(repetitions, [&] {
     const std::size_t total = std::size_t{cube.npoints[0]} * cube.npoints[1] * cube.npoints[2];
     for (std::size_t done = 0; done < total; done += room) {
       for (unsigned n = 0; n < room; ++n) {
@@ -144,7 +144,7 @@ double limit_of(const SweepKernel& kernel) {
 }
 
 void print_whole_runs(const std::string& program, const std::string& plain, const std::string& file) {
-  std::vector<double> ratios, text_shares;
+  std::vector<double> ratios;
   std::vector<std::string> run = {program, "-i", file, "-t", "fchk", "-q"};
   Cost cost{};
   for (int i = 0; i < repetitions; ++i) {
@@ -172,7 +172,7 @@ void print_sweep(const Molecule& molecule, const SweepKernel& kernel) {
   const double basis = sweep_seconds(molecule, cube, kernel, {});
   std::FILE* const out = std::fopen("values.cube", "w");
   const std::vector<double> values(static_cast<std::size_t>(points), 1.2345678e-3);
-  const double text = seconds_of([&] {
+  const double text = seconds_of(repetitions, [&] {
     std::rewind(out);
     comp_write_values(&cube, values, out);
   });
@@ -187,7 +187,7 @@ void print_sweep(const Molecule& molecule, const SweepKernel& kernel) {
   std::printf("  text of two files %.1f ms: %.0f %% of sweep and text, %.1f ns a value\n", 2e3 * text,
               200 * text / (sweep + 2 * text), 1e9 * text / points);
   OrbitalValues room = comp_orbital_alloc(&cube, molecule.basis_count);
-  const double all = seconds_of([&] {
+  const double all = seconds_of(1, [&] {
     for (unsigned first = 0; first < molecule.basis_count; first += room.orbital_count) {
       const unsigned count = std::min(room.orbital_count, molecule.basis_count - first);
       comp_orbital_values(&molecule, &cube, molecule.alpha_orbitals + first, count, &room);
@@ -204,22 +204,33 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: %s ORVA PLAIN FILE.fchk...\n", argv[0]);
     return 1;
   }
+  // The files that the runs write go to a directory that is removed at the end.
+  std::vector<std::string> paths(argv + 1, argv + argc);
+  for (std::string& path : paths) {
+    path = path == "-" ? path : std::filesystem::absolute(path).string();
+  }
+  char scratch[] = "/tmp/orva-bench-XXXXXX";
+  if (mkdtemp(scratch) == nullptr || chdir(scratch) != 0) {
+    std::perror(scratch);
+    return 1;
+  }
   for (const SweepKernel* kernel : sweep_kernels()) {
     if (!kernel->is_supported()) {
       continue;
     }
     setenv("ORVA_KERNEL", kernel->name, 1);
-    for (int i = 3; i < argc; ++i) {
-      std::snprintf(glob_file_input, sizeof glob_file_input, "%s", argv[i]);
+    for (auto file = paths.begin() + 2; file != paths.end(); ++file) {
+      std::snprintf(glob_file_input, sizeof glob_file_input, "%s", file->c_str());
       Molecule molecule;
       mem_init_mol(&molecule);
       fcheck_read(&molecule);
-      std::printf("%s %s: %u atoms, %u functions, %zu occupied orbitals\n", kernel->name, argv[i],
+      std::printf("%s %s: %u atoms, %u functions, %zu occupied orbitals\n", kernel->name, file->c_str(),
                   molecule.atom_count, molecule.basis_count, occupied(molecule).size());
-      print_whole_runs(argv[1], argv[2], argv[i]);
+      print_whole_runs(paths[0], paths[1], *file);
       print_sweep(molecule, *kernel);
       mem_clean(&molecule, nullptr);
     }
   }
+  std::filesystem::remove_all(scratch);
   return 0;
 }
