@@ -2,9 +2,6 @@
 
 #include <bit>
 #include <functional>
-#include <string>
-#include <tuple>
-#include <vector>
 
 #include "arg.hpp"
 #include "support.hpp"
@@ -14,7 +11,6 @@ namespace {
 using Words = std::vector<const char*>;
 using Change = std::function<void(ArgTable*)>;
 
-void help() { std::puts("help"); }
 void change_nothing(ArgTable*) {}
 void bind_item(ArgTable* table) { arg_bind(table, 3, 5); }
 
@@ -28,13 +24,12 @@ struct Values {
 Values read(const Words& words, const Change& change = change_nothing) {
   Values values;
   ArgTable table = {};
-  arg_add_switch(&table, "q", 0, &values.q);
-  arg_add_switch(&table, "w", 0, &values.w);
+  arg_add_switch(&table, "q", 0, &values.q), arg_add_switch(&table, "w", 0, &values.w);
   arg_add_switch(&table, "S", 1, &values.stop);
   arg_add_option(&table, "n", "count", arg_int, 1, &values.number);
   arg_add_option(&table, "f", "name", arg_string, 0, values.file);
   arg_add_item(&table, "item", arg_string, 1, values.item);
-  arg_add_help(&table, help);
+  arg_add_help(&table, [] { std::puts("help"); });
   change(&table);
   Words all = words;
   all.insert(all.begin(), "/usr/bin/prog");
@@ -55,30 +50,22 @@ TEST(Arguments, ValuesReachTheirTargets) {
   const Values cluster = read({"-qw", "-f", std::string(300, 'f').c_str()});
   EXPECT_EQ(cluster.q + cluster.w, 2);
   EXPECT_EQ(cluster.file, std::string(255, 'f'));
-  EXPECT_EQ(read({"-S", "-x"}).stop, 1);  // neither -x nor the missing -f counts
-  EXPECT_EQ(read({"-qS", "-x"}).stop, 1);
+  EXPECT_EQ(read({"-qS", "-x"}).stop, 1);  // neither -x nor the missing -f counts
 }
 
 TEST(Arguments, MistakesEndWithUsageAndReason) {
-  const std::pair<Words, const char*> rows[] = {
+  const std::string endless(300, 'b');
+  const std::pair<Words, std::string> rows[] = {
       {{}, "argument <name> is not set"},
-      {{"-x"}, "unknown option \"-x\""},
       {{"-"}, "unknown option \"-\""},
       {{"-qx"}, "unknown option \"-x\""},
       {{"-f", "a", "-f", "a"}, "more than one occurence of option \"-f\""},
       {{"-q", "-f"}, "argument of option \"-f\" is missing"},
-      {{"-n", "x"}, "cannot assign value \"x\" to option \"-n\""},
       {{"-n", "2147483648"}, "cannot assign value \"2147483648\" to option \"-n\""},
-      {{"a", "b"}, "excessive argument \"b\""}};
+      {{"a", endless.c_str()}, "excessive argument \"" + endless.substr(0, 235)}};
   for (const auto& [words, reason] : rows) {
     expect_exit([&words = words] { read(words); }, 1, usage + "error: " + reason + "\n");
   }
-  const std::string endless(300, 'b'), cut(235, 'b');
-  expect_exit(
-      [&] {
-        read(Words{"a", endless.c_str()});
-      },
-      1, usage + "error: excessive argument \"" + cut + "\n");
   expect_exit([] { read({"-qf", "x"}); }, 1, usage);
   expect_exit([] { read({"-q", "-H", "-x"}); }, 0, usage + "help\n");
   expect_exit([] { arg_read(0, nullptr, ArgTable{}); }, 0, "");
@@ -87,14 +74,11 @@ TEST(Arguments, MistakesEndWithUsageAndReason) {
 TEST(Arguments, BoundAndExclusiveArgumentsAreCheckedAndShown) {
   const Change exclude = [](ArgTable* t) { arg_exclude(t, 3, 4); };
   const Change both = [](ArgTable* t) { bind_item(t), arg_exclude(t, 5, 4); };
-  const Change merge = [](ArgTable* t) {
-    arg_bind(t, 0, 1), arg_bind(t, 2, 3), arg_bind(t, 1, 2), bind_item(t);
-  };
+  const Change merge = [](ArgTable* t) { arg_bind(t, 0, 1), arg_bind(t, 1, 3), bind_item(t); };
   const Words set = {"-n", "1", "-f", "x"};
   const std::tuple<Change, Words, const char*, const char*> rows[] = {
       {bind_item, set, "{[-n <count>] <item>} -f <name>", "s <count> and <item> must be set together"},
       {exclude, set, "[-n <count>] | -f <name> <item>", "s <count> and <name> must not be set together"},
-      {exclude, {"-q"}, "[-n <count>] | -f <name> <item>", " <name> is not set"},
       {both, {"-n", "1"}, "{{[-n <count>] <item>} | -f <name>}", "s <count> and <item> must be set together"},
       {merge, {"-q"}, "{[-n <count>] <item>} -f <name>", "s <> and <> must be set together"}};
   for (const auto& [change, words, line, reason] : rows) {
@@ -102,14 +86,12 @@ TEST(Arguments, BoundAndExclusiveArgumentsAreCheckedAndShown) {
                 std::string("usage: prog [-qwS] ") + line + "\nerror: argument" + reason + "\n");
   }
   EXPECT_EQ(read({"-n", "1"}, exclude).number, 1);  // its partner satisfies -f
-  EXPECT_EQ(read({"-n", "1", "x"}, both).number, 1);
-  EXPECT_EQ(read({"-qw", "-f", "x"}, [](ArgTable* t) { arg_bind(t, 0, 1); }).q, 1);
 }
 
 TEST(Arguments, DefinitionsThatMakeNoSenseEndTheRun) {
   const std::pair<Change, const char*> rows[] = {
       {[](ArgTable* t) { arg_bind(t, 3, 4); }, "error: binding optional and mandatory option required"},
-      {[](ArgTable* t) { arg_exclude(t, 3, 5), arg_bind(t, 3, 5); },
+      {[](ArgTable* t) { arg_exclude(t, 3, 5), bind_item(t); },
        "both binding and exclusion of the same options required"},
       {[](ArgTable* t) { arg_bind(t, 3, arg_get_id(t, 'x')); }, "argument definition does not exist"},
       {[](ArgTable* t) { arg_add_switch(t, "", 0, nullptr); }, "name of switch is not defined"},

@@ -1,24 +1,11 @@
 #include "config.hpp"
 
-#include <gtest/gtest.h>
-
-#include <array>
 #include <cstring>
-#include <string>
 
-#include "sample.hpp"
 #include "setup.hpp"
 #include "support.hpp"
 
 namespace {
-
-void read_config(const std::string& text, CubeDefinition* cube) {
-  const Scratch directory;
-  const std::string path = directory / "config";
-  write_file(path, text);
-  std::strcpy(glob_file_config, path.c_str());
-  conf_read(cube);
-}
 
 struct Number {
   std::string item;
@@ -47,11 +34,7 @@ const Number numbers[] = {
     {"CUBE_ORVA", &conf_cube_orva, 1, "0", 0},
 };
 
-const struct {
-  std::string item;
-  char* target;
-  std::string standard;
-} file_names[] = {
+const std::tuple<std::string, char*, std::string> file_names[] = {
     {"CUBE_FILE_DENSITY", glob_cube_file_tot, "out.tot"},
     {"CUBE_FILE_ORBITAL", glob_cube_file_orb, "out.orb"},
     {"CUBE_FILE_MODEN", glob_cube_file_mod, "out.mod"},
@@ -61,11 +44,18 @@ const struct {
 // Runs of the program start with the defaults; tests share one process.
 class Config : public testing::Test {
  protected:
+  const Scratch here;
   CubeDefinition cube{};
 
+  void read_config(const std::string& text) {
+    write_file(here / "config", text);
+    std::strcpy(glob_file_config, (here / "config").c_str());
+    conf_read(&cube);
+  }
+
   void TearDown() override {
-    for (const auto& [item, target, standard, setting, value] : numbers) {
-      *target = standard;
+    for (const Number& number : numbers) {
+      *number.target = number.standard;
     }
     for (const auto& [item, target, standard] : file_names) {
       std::strcpy(target, standard.c_str());
@@ -76,7 +66,7 @@ class Config : public testing::Test {
 
 TEST_F(Config, EveryNumericItemSetsItsOwnSettingAndNoOther) {
   for (const Number& chosen : numbers) {
-    read_config(" \t" + chosen.item + " \t " + chosen.setting + "\n", &cube);
+    read_config(" \t" + chosen.item + " \t " + chosen.setting + "\n");
     for (const Number& other : numbers) {
       EXPECT_EQ(*other.target, &other == &chosen ? other.value : other.standard) << chosen.item << other.item;
     }
@@ -88,19 +78,17 @@ TEST_F(Config, FileNamesAreCopiedAsTheyStandAndTheLastOneCounts) {
   const std::string longest(31, 'n');
   for (const auto& [item, target, standard] : file_names) {
     EXPECT_EQ(target, standard);
-    read_config(item + " first\n\n# " + item + " never\n" + item + " " + longest + " rest\n", &cube);
+    read_config(item + " first\n\n# " + item + " never\n" + item + " " + longest + " rest\n");
     EXPECT_EQ(target, longest);
-    read_config(item + " a=\"b\"\r", &cube);  // no newline at the end of the file
+    read_config(item + " a=\"b\"\r");  // no newline at the end of the file
     EXPECT_EQ(target, std::string("a=\"b\"\r"));
   }
 }
 
 TEST_F(Config, GivenVectorsMayBeFollowedByComments) {
   read_config("DEFINE_CUBE 1 vectors\n-1\n0.5 2e-1 # origin\n.25 0 0 # x\n0 1 0 y" + std::string(2000, '!') +
-                  "\n0 -1 .125\n\n80 70\n60\n#\nDEFINE_CUBE 0\nPRINT_ZMAT 1\n",
-              &cube);
-  EXPECT_EQ(conf_cube_def, 1);
-  EXPECT_EQ(conf_print_zmat, 1);
+              "\n0 -1 .125\n\n80 70\n60\n#\nDEFINE_CUBE 0\nPRINT_ZMAT 1\n");
+  EXPECT_EQ(conf_cube_def + conf_print_zmat, 2);
   EXPECT_EQ(std::to_array(cube.npoints), (std::array{80U, 70U, 60U}));
   EXPECT_EQ(std::to_array(cube.points[0]), (std::array{-1.0, 0.5, 0.2}));
   EXPECT_EQ(std::to_array(cube.vectors[0]), (std::array{0.25, 0.0, 0.0}));
@@ -109,7 +97,7 @@ TEST_F(Config, GivenVectorsMayBeFollowedByComments) {
 }
 
 TEST_F(Config, GivenPointsAreReadAcrossLines) {
-  read_config("DEFINE_CUBE 2\n1 2 3 4 5 6\n7 8\n9 10\n\n11 12 0 1 2", &cube);
+  read_config("DEFINE_CUBE 2\n1 2 3 4 5 6\n7 8\n9 10\n\n11 12 0 1 2");
   EXPECT_EQ(conf_cube_def, 2);
   EXPECT_EQ(std::to_array(cube.npoints), (std::array{0U, 1U, 2U}));
   for (unsigned i = 0; i < 12; ++i) {
@@ -118,50 +106,43 @@ TEST_F(Config, GivenPointsAreReadAcrossLines) {
 }
 
 TEST_F(Config, WhatIsWrongIsSaidAndEndsTheRun) {
-  const std::string format = "wrong format of config file - ";
-  const std::string value = "invalid value in config file - ";
-  const std::string grid = " in cube definition";
+  const std::string format = "wrong format of config file - ", value = "invalid value in config file - ";
+  const std::string option = "invalid option in config file ", grid = " in cube definition";
   const std::string vectors = "DEFINE_CUBE 1\n0 0 0\n1 0 0\n0 1 0\n";
   const std::string points = "DEFINE_CUBE 2\n0 0 0 1 0 0 1 1 0 ";
-  const struct {
-    std::string text;
-    std::string message;
-  } rows[] = {
+  const auto blanks = [](std::size_t count) { return std::string(count, ' '); };
+  const std::string n31(31, 'N');
+  const std::pair<std::string, std::string> rows[] = {
       {"PRINT_COORD -1", value + "0 or 1 expected"},
-      {"CUBE_ORVA 2", value + "0 or 1 expected"},
       {"CUBE_ORVA 4294967297", value + "0 or 1 expected"},
       {"PRINTED_WIDTH 0", value + "integer greater than 0 expected"},
       {"PRINTED_WIDTH 32768", value + "integer greater than 0 expected"},
       {"CUBE_ONE_SPEC -1", value + "integer greater than -1 expected"},
       {"CUBE_ONE_MODEN 99999999999999999999", value + "integer greater than -1 expected"},
-      {"print_coord 1", "invalid option in config file 'print_coord'"},
-      {"PRINT_COORD=1 x", "invalid option in config file 'PRINT_COORD=1'"},
-      {"PRINT_COORD\n", format + "setting"},
+      {"print_coord 1", option + "'print_coord'"},
+      {"PRINT_COORD=1 x", option + "'PRINT_COORD=1'"},
+      {n31 + " 1", option + "'" + n31 + "'"},
+      {"N" + n31 + " 1", format + "item name"},
+      {blanks(1023) + "\n", format + "item name"},
+      {blanks(1020) + "ABC 1\n", format + "item name"},
       {"PRINT_COORD \t\n", format + "setting"},
       {"PRINT_COORD", format + "setting"},
-      {std::string(31, 'N') + " 1", "invalid option in config file '" + std::string(31, 'N') + "'"},
-      {std::string(32, 'N') + " 1", format + "item name"},
-      {std::string(1023, ' ') + "\n", format + "item name"},
-      {std::string(1020, ' ') + "ABC 1\n", format + "item name"},
-      {"CUBE_FILE_ORVA " + std::string(32, 's'), format + "setting"},
-      {"CUBE_FILE_ORVA " + std::string(1020, ' ') + "s\n", format + "setting"},
-      {"CUBE_FILE_ORVA " + std::string(1007, ' ') + "s\n", format + "setting"},
+      {"CUBE_FILE_ORVA N" + n31, format + "setting"},
+      {"CUBE_FILE_ORVA " + blanks(1007) + "s\n", format + "setting"},
       {"DEFINE_CUBE 3", "invalid type of cube definition"},
       {"DEFINE_CUBE -1", "invalid type of cube definition"},
       {"DEFINE_CUBE 1\n0 0 # 0", "cannot read point" + grid},
       {"DEFINE_CUBE 1\n0 0 0", "unexpected end of config file while reading cube definition"},
-      {"DEFINE_CUBE 1\n0 0 0\n", "unexpected end of file while reading cube definition"},
       {vectors, "unexpected end of file while reading cube definition"},
       {vectors + "0 0 # 1\n", "cannot read vectors" + grid},
-      {vectors + "0 0 1\n8 8\n", "cannot read ranges" + grid},
       {vectors + "0 0 1\n8 8 -8\n", "cannot read ranges" + grid},
       {points + "# D\n1 1 1\n8 8 8\n", "cannot read points" + grid},
       {points + "1 1 1\n8 x\n", "cannot read ranges" + grid},
       {points + "1 1 1\n8 8 8.5\n", format + "setting"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.text);
-    expect_error([&] { read_config(row.text, &cube); }, row.message);
+  for (const auto& [text, message] : rows) {
+    SCOPED_TRACE(text);
+    expect_error([&, &given = text] { read_config(given); }, message);
   }
 }
 

@@ -1,18 +1,10 @@
 // The core library but for the command line: vectors, matrices, strings, elements, stacks, text, geometry.
 
-#include <sys/resource.h>
-
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <cstring>
 #include <functional>
 #include <numbers>
-#include <sstream>
-#include <string>
-#include <tuple>
 #include <type_traits>
-#include <vector>
 
 #include "atom.hpp"
 #include "distance.hpp"
@@ -32,26 +24,8 @@
 #include "vec_base.hpp"
 #include "vec_oper.hpp"
 
-extern "C" __attribute__((weak)) void __asan_init();  // there in builds with the address sanitizer
-
-namespace {
-
 using Numbers = std::vector<double>;
 constexpr unsigned everything = 0xFFFFFFFF;
-
-// Nothing is tried with the address sanitizer, whose shadow does not fit below the limit.
-void expect_no_memory(const std::function<void()>& call, const std::string& what) {
-  const auto limited = [&] {
-    const rlimit limit = {1U << 30, 1U << 30};
-    setrlimit(RLIMIT_AS, &limit);
-    call();
-  };
-  if (__asan_init == nullptr) {
-    expect_error(limited, "cannot allocate memory for " + what);
-  }
-}
-
-}  // namespace
 
 TEST(Message, HookRunsOncePerErrorAndNotWithinItself) {
   char inner[] = "inner";
@@ -60,15 +34,14 @@ TEST(Message, HookRunsOncePerErrorAndNotWithinItself) {
             "error: outer\nerror: inner\nerror: again\nerror: inner\n");
   expect_exit([] { msg_error("last", 1); }, 1, "error: last\nerror: inner\n");
   msg_error_fce_set(nullptr, nullptr, nullptr);
-  EXPECT_EQ(printed([] { msg_warn("w"), msg_debug("no", 0), msg_debug("d", 1), msg_Debug_fce("f", "D"); }),
-            "warning: w\ndebug: d\nDEBUG: f: D\n");
-  EXPECT_EQ(printed([] { msg_Debug("D"); }), "DEBUG: D\n");
+  EXPECT_EQ(printed([] { msg_warn("w"), msg_debug("no", 0), msg_debug("d", 1); }), "warning: w\ndebug: d\n");
+  EXPECT_EQ(printed([] { msg_Debug("D"), msg_Debug_fce("f", "D"); }), "DEBUG: D\nDEBUG: f: D\n");
 }
 
 TEST(File, FailuresGiveTheirReasons) {
   const Scratch scratch;
   const std::string absent = (scratch / "absent").string(), link = (scratch / "link").string();
-  const std::string below = link + "/x", endless(5000, 'x');
+  const std::string endless(5000, 'x');
   struct stat status;
   ASSERT_EQ(symlink("nowhere", link.c_str()), 0);
   EXPECT_EQ(file_exist(link.c_str()) + file_exist(endless.c_str()) - file_exist(absent.c_str()), 2);
@@ -79,8 +52,8 @@ TEST(File, FailuresGiveTheirReasons) {
   expect_error([&] { file_remove(absent.c_str()); }, "cannot remove file " + absent + " (no such file)");
   file_remove(link.c_str());
   write_file(link, "");  // fails if the link is still there
-  expect_error([&] { file_remove(below.c_str()); },
-               "cannot remove file " + below + " (part of path is not a directory)");
+  expect_error([&] { file_remove((link + "/x").c_str()); },
+               "cannot remove file " + link + "/x (part of path is not a directory)");
 }
 
 TEST(File, ClosingWarnsOfEveryLostWrite) {
@@ -95,7 +68,7 @@ TEST(File, ClosingWarnsOfEveryLostWrite) {
 
 // One family of typed functions: zeros, filling, first match.
 template <class T, class Alloc, class Set, class In, class Free>
-void expect_family(Alloc alloc, Set set, In in, Free release, T value, const char* name) {
+void expect_family(Alloc alloc, Set set, In in, Free release, T value) {
   T* vector = alloc(5);
   EXPECT_EQ(std::vector<T>(vector, vector + 5), std::vector<T>(5));
   set(vector, value, 4);
@@ -106,17 +79,15 @@ void expect_family(Alloc alloc, Set set, In in, Free release, T value, const cha
     EXPECT_EQ(index, vec_not_found);
   }
   EXPECT_EQ(release(vector) + release(nullptr) + release(alloc(0)), 0);
-  expect_no_memory([=] { alloc(everything); }, std::string("vector of ") + name);
 }
 
 TEST(Vector, EveryElementTypeStartsZeroAndIsFilledAndFound) {
-  expect_family<double>(vec_falloc, vec_fset, vec_fin, vec_ffree, -0.5, "doubles");
-  expect_family<int>(vec_ialloc, vec_iset, vec_iin, vec_ifree, -2147483647, "int-s");
-  expect_family<unsigned>(vec_ualloc, vec_uset, vec_uin, vec_ufree, 4294967295U, "unsigned int-s");
-  expect_family<unsigned long>(vec_lualloc, vec_luset, vec_luin, vec_lufree, 1UL << 40, "unsigned longs");
-  expect_family<short>(vec_sialloc, vec_siset, vec_siin, vec_sifree, -300, "short int-s");
+  expect_family<double>(vec_falloc, vec_fset, vec_fin, vec_ffree, -0.5);
+  expect_family<int>(vec_ialloc, vec_iset, vec_iin, vec_ifree, -2147483647);
+  expect_family<unsigned>(vec_ualloc, vec_uset, vec_uin, vec_ufree, 4294967295U);
+  expect_family<unsigned long>(vec_lualloc, vec_luset, vec_luin, vec_lufree, 1UL << 40);
+  expect_family<short>(vec_sialloc, vec_siset, vec_siin, vec_sifree, -300);
   EXPECT_EQ(vec_fin(Numbers(3, std::nan("")).data(), std::nan(""), 3), vec_not_found);
-  expect_no_memory([] { vec_talloc(everything, 1); }, "user defined vector");
   EXPECT_EQ(vec_tfree(vec_talloc(0x10000, 0x10000)), 0);  // the byte count wraps to 0
   const int pairs[][2] = {{1, 5}, {2, 6}, {3, 6}}, six = 6;
   const auto second_is = [](const void* element, const void* key) {
@@ -126,36 +97,26 @@ TEST(Vector, EveryElementTypeStartsZeroAndIsFilledAndFound) {
   EXPECT_EQ(vec_tin(pairs, &six, second_is, sizeof pairs[0], 1), vec_not_found);
 }
 
-TEST(Vector, StringsAreFoundAndReduced) {
-  char** strings = vec_salloc(4, 8);
-  EXPECT_EQ(std::string(strings[3], 8), std::string(8, '\0'));
-  std::strcpy(strings[2], "text 2");
-  EXPECT_EQ(vec_sin(strings, "text 2", 4), 2U);
-  EXPECT_EQ(vec_sin(strings, "text", 4), vec_not_found);
-  const unsigned indices[] = {2, 1};
-  char** kept = vec_sreduce(strings, 4, indices, 2, 6);  // cut to five characters
-  EXPECT_STREQ(kept[1], "text ");
-  EXPECT_EQ(vec_sfree(kept, 2) + vec_sfree(nullptr, 2), 0);
-  expect_no_memory([] { vec_salloc(1, everything); }, "string in array");
-}
-
 TEST(Vector, ReducedAndMergedVectorsHoldWhatIsListed) {
   const unsigned indices[] = {3, 0, 9};  // 9 is no index of the vectors
   double* doubles = vec_falloc(4);
   int* ints = vec_ialloc(4);
-  doubles[3] = ints[3] = 7;
-  doubles[0] = ints[0] = 8;
-  doubles = vec_freduce(doubles, 4, indices, 3);
-  ints = vec_ireduce(ints, 4, indices, 3);
+  char** strings = vec_salloc(4, 8);
+  EXPECT_EQ(std::string(strings[3], 8), std::string(8, '\0'));
+  doubles[3] = ints[3] = 7, doubles[0] = ints[0] = 8, std::strcpy(strings[3], "text 3");
+  doubles = vec_freduce(doubles, 4, indices, 3), ints = vec_ireduce(ints, 4, indices, 3);
   EXPECT_EQ(Numbers(doubles, doubles + 3), (Numbers{8, 7, 0}));
   EXPECT_EQ(Numbers(ints, ints + 3), (Numbers{8, 7, 0}));
+  EXPECT_EQ(vec_sin(strings, "text 3", 4) + vec_sin(strings, "text", 3), 3 + vec_not_found);
+  strings = vec_sreduce(strings, 4, indices, 2, 6);  // cut to five characters
+  EXPECT_STREQ(strings[1], "text ");
   unsigned *a = vec_ualloc(2), *b = vec_ualloc(1);
   vec_uset(b, 8, 1);
   EXPECT_EQ(vec_umerge(a, 0, b, 1), b);
   EXPECT_EQ(vec_umerge(a, 2, b, 0), a);
   a = vec_umerge(a, 2, b, 1);
   EXPECT_EQ(Numbers(a, a + 3), (Numbers{0, 0, 8}));
-  EXPECT_EQ(vec_ffree(doubles) + vec_ifree(ints) + vec_ufree(a), 0);
+  EXPECT_EQ(vec_ffree(doubles) + vec_ifree(ints) + vec_ufree(a) + vec_sfree(strings, 2), 0);
 }
 
 TEST(Vector, OperationsChangeTheirFirstArgument) {
@@ -182,22 +143,21 @@ TEST(Vector, SumsProductsAndExtremes) {
   const Numbers x = {1, 0, 0}, y = {0, 1, 0}, z = {0, 0, 1}, large = {1e16, 1, -1e16}, v = {0.1, 0.2, 0.7};
   EXPECT_EQ(vec_fsum(large.data(), 3), 0.0);  // in index order
   EXPECT_EQ(vec_fprod_scalar(x.data(), large.data(), 3), 1e16);
-  EXPECT_EQ(vec_fprod_mixed(x.data(), y.data(), z.data()), 1.0);
   EXPECT_EQ(vec_fprod_mixed(y.data(), x.data(), z.data()), -1.0);
-  EXPECT_EQ(vec_fsum(nullptr, 0) + vec_fnorm(nullptr, 0), 0.0);
   EXPECT_EQ(vec_fangle(x.data(), y.data(), 3), std::numbers::pi / 2);
-  EXPECT_EQ(vec_fangle(x.data(), Numbers{-2, 0, 0}.data(), 3), std::numbers::pi);
   EXPECT_TRUE(std::isnan(vec_fangle(x.data(), Numbers(3).data(), 3)));
   for (double factor = -20.0; factor <= 20.0; factor += 0.1) {  // the cosine may lie beyond 1 by rounding
     const Numbers scaled = {0.1 * factor, 0.2 * factor, 0.7 * factor};
     EXPECT_NEAR(vec_fangle(v.data(), scaled.data(), 3), factor < 0 ? std::numbers::pi : 0.0, 3e-8);
   }
-  const Numbers u = {-1, 6, -7, -7, 6, 0.5}, w = {-3, 2, -2};
-  EXPECT_EQ((std::array{vec_fmax(u.data(), 6), vec_fmin(u.data(), 6), vec_fmax_abs(u.data(), 6)}),
-            (std::array{1U, 2U, 2U}));
-  EXPECT_EQ((std::array{vec_fmin_abs(u.data(), 6), vec_fmin_abs(w.data(), 3)}), (std::array{5U, 1U}));
-  EXPECT_EQ(vec_fmax(nullptr, 0) + vec_fmin(nullptr, 0) + vec_fmax_abs(nullptr, 0) + vec_fmin_abs(nullptr, 0),
-            0U);
+  const Numbers u = {-1, 6, -7, -7, 6, 0.5};
+  using Search = unsigned (*)(const double*, unsigned);
+  using Row = std::pair<Search, unsigned>;
+  for (const auto& [search, index] :
+       {Row{vec_fmax, 1}, {vec_fmin, 2}, {vec_fmax_abs, 2}, {vec_fmin_abs, 5}}) {
+    EXPECT_EQ(search(u.data(), 6), index);
+    EXPECT_EQ(search(nullptr, 0), 0U);
+  }
 }
 
 // The version for a stream and that for standard output write the same.
@@ -214,26 +174,21 @@ TEST(Matrix, BlocksShowTriangleAndSquare) {
     EXPECT_EQ(matrix[i / 3][i % 3], 0.0);
     matrix[i / 3][i % 3] = i + 1;
   }
-  const std::string head = "              1              2\n", next_head = "              3\n";
-  const std::string last = "    3   7.000000e+00   8.000000e+00\n" + next_head,
-                    nine = "    3   9.000000e+00\n";
-  const std::string first = head + "    1   1.000000e+00", five = "\n    2   4.000000e+00   5.000000e+00\n";
-  expect_output(mat_ffprint_Sc, mat_fprint_Sc, first + five + last + nine, matrix, 3, 2);
-  expect_output(
-      mat_ffprint_sc, mat_fprint_sc,
-      first + "   2.000000e+00" + five + last + "    1   3.000000e+00\n    2   6.000000e+00\n" + nine, matrix,
-      3, 2);
+  const std::string head = "              1              2\n    1   1.000000e+00";
+  const std::string five = "\n    2   4.000000e+00   5.000000e+00\n", nine = "    3   9.000000e+00\n";
+  const std::string last = "    3   7.000000e+00   8.000000e+00\n              3\n";
+  expect_output(mat_ffprint_Sc, mat_fprint_Sc, head + five + last + nine, matrix, 3, 2);
+  const std::string square =
+      head + "   2.000000e+00" + five + last + "    1   3.000000e+00\n    2   6.000000e+00\n";
+  expect_output(mat_ffprint_sc, mat_fprint_sc, square + nine, matrix, 3, 2);
   expect_output(mat_ffprint_Sc, mat_fprint_Sc, "", matrix, 0, 5);
   EXPECT_EQ(written([=](std::FILE* s) { mat_ffprint_Sc_scale(s, matrix, 1, 0, -0.5); }),
             "              1\n    1  -5.000000e-01\n");
   EXPECT_EQ(printed([=] { mat_fprint_sub(matrix, 1, 1, 3, 2), mat_fprint(matrix, 1, 2); }),
             "   5.000000e+00\n   8.000000e+00\n   1.000000e+00   2.000000e+00\n");
-  expect_no_memory([] { mat_falloc(everything, 1); }, "double matrix");
-  expect_no_memory([] { mat_ialloc(1, everything); }, "column of int matrix");
   int** ints = mat_ialloc(2, 1);
   unsigned** naturals = mat_ualloc(1, 2);
-  ints[1][0] = -7;
-  naturals[0][1] = everything;
+  ints[1][0] = -7, naturals[0][1] = everything;
   EXPECT_EQ(printed([=] { mat_iprint(ints, 2, 1), mat_uprint(naturals, 1, 2); }),
             "         0\n        -7\n         04294967295\n");
   EXPECT_EQ(mat_ffree(matrix, 3) + mat_ifree(ints, 2) + mat_ufree(naturals, 1) + mat_ffree(nullptr, 3), 0);
@@ -254,8 +209,8 @@ TEST(Print, LinesFillThePage) {
   expect_output(print_fluwfix, print_luwfix, "a 1099511627776\n", "a", 1UL << 40, 15);
   expect_output(print_flowfix, print_lowfix, "a 10\n", "a", 8, 4);
   EXPECT_EQ(written([](std::FILE* s) { print_ffwfix(s, "ab", "%.2f", 8, 1.5); }), "ab  1.50\n");
-  EXPECT_EQ(printed([] { print_fwfix("a", "%d/%s", 6, 1, "x"); }), "a  1/x\n");
-  EXPECT_EQ(printed([] { print_fwfix("", "%90d", 1, 1); }), std::string(79, ' ') + "\n");
+  EXPECT_EQ(printed([] { print_fwfix("a", "%d/%s", 6, 1, "x"), print_fwfix("", "%90d", 1, 1); }),
+            "a  1/x\n" + std::string(79, ' ') + "\n");
 }
 
 // Each source becomes what stands beside it; results of at most 300 characters.
@@ -273,15 +228,15 @@ TEST(String, CopiesAndChanges) {
     return [=](const char* source, char* destination) { change(std::strcpy(destination, source)); };
   };
   const auto part = [](const char* source, char* destination) { str_sub_copy(source, destination, 2, 5); };
+  const auto nothing = [](const char* source, char* destination) { str_sub_copy(source, destination, 5, 5); };
   const std::string name(255, 'n');
-  expect_texts(str_ctrim,
-               {{" \t a b \t\n\n", "a b"}, {"\n", ""}, {"\t", ""}, {"", ""}, {"x", "x"}, {"\n a", "\n a"}});
-  expect_texts(in_place(str_trim), {{"  a\n", "a"}, {" ", ""}});
+  expect_texts(str_ctrim, {{" \t a b \t\n\n", "a b"}, {"\n", ""}, {"", ""}, {"x", "x"}, {"\n a", "\n a"}});
+  expect_texts(in_place(str_trim), {{"  a\n", "a"}});
   expect_texts(in_place(str_rtrim), {{" a \n\t", " a"}, {"\n", ""}});
-  expect_texts(str_file_base,
-               {{"a/b/prog", "prog"}, {"/p", "p"}, {"p.x", "p.x"}, {"a/b/", ""}, {name + "x", name}});
+  expect_texts(str_file_base, {{"a/b/prog", "prog"}, {"p.x", "p.x"}, {"a/b/", ""}, {name + "x", name}});
   expect_texts(str_file_ext, {{"a.b.c", "c"}, {"name", "name"}, {"a.", ""}});
   expect_texts(part, {{"PRINT_COORD 1", "INT"}, {"abc", "c"}, {"a", ""}});
+  expect_texts(nothing, {{"PRINT_COORD 1", ""}});
   expect_texts(str_cLowcase, {{"CL", "Cl"}, {"h", "H"}, {"1X", "1x"}, {"", ""}});
   expect_texts(in_place(str_Lowcase), {{"hE\xC4z", "He\xC4z"}});
   expect_texts(str_cupcase, {{"az{`\xE4", "AZ{`\xE4"}});
@@ -291,22 +246,18 @@ TEST(String, CopiesAndChanges) {
   char text[8];
   EXPECT_EQ(str_cLowcase("abc", text), 3U);
   EXPECT_EQ(str_file_base("a/b", text) - str_file_ext("b.", text), 1);
-  str_sub_copy("PRINT_COORD 1", text, 5, 5);
-  EXPECT_STREQ(text, "");
 }
 
 TEST(String, ComparisonsAndLengths) {
   const std::tuple<const char*, const char*, int> rows[] = {
-      {"", "", 1},  {"  ab \n", "ab", 1}, {"ab", "   ab", 1}, {"", "x", 0},
-      {" ", "", 0}, {"ab", "Ab", 0},      {"ab", "abc", 0},   {"a b", "ab", 0}};
+      {"", "", 1}, {"  ab \n", "ab", 1}, {"ab", "   ab", 1}, {" ", "", 0}, {"ab", "Ab", 0}, {"ab", "abc", 0}};
   for (const auto& [first, second, agrees] : rows) {
     EXPECT_EQ(str_compare(first, second), agrees) << first;
   }
   EXPECT_EQ(str_sub_bfind("Number of atoms  I", "Number of atoms") + str_sub_bfind("Num", "Number"), 2);
-  EXPECT_EQ(str_sub_bfind("Number of alpha", "Number of atoms") + str_sub_bfind("", "x"), 1);
-  EXPECT_EQ((std::array{str_unum_len(0), str_lunum_len(0), str_unum_len(999), str_unum_len(-1)}),
-            (std::array{0U, 0U, 3U, 10U}));
-  EXPECT_EQ(str_lunum_len(18446744073709551615U), 20U);
+  EXPECT_EQ(str_sub_bfind("Number of alpha", "Number of atoms"), 0);
+  EXPECT_EQ((std::array{str_unum_len(0), str_unum_len(999), str_unum_len(-1), str_lunum_len(1UL << 63)}),
+            (std::array{0U, 3U, 10U, 19U}));
   char text[] = "one\ntwo words\nthree\n", line[str_line_size];
   std::FILE* stream = fmemopen(text, sizeof text - 1, "r");
   EXPECT_EQ(str_ffind(stream, "word", line), 1);
@@ -317,12 +268,10 @@ TEST(String, ComparisonsAndLengths) {
 
 TEST(String, FortranRealsConvertAsTheCLibraryReadsThem) {
   std::istringstream words(
-      "0.5D+01|-1.5d-01|+2.5|+-1|1e|1E+|1.5x|10|1d999|-1d999|1d-999|4d-320|.5|5.|..|-.d1|0x1p3|inf|-inf|infx|"
-      "1.2.3|  12|- 1|DD|e5|1,5|0x|0.30000000000000004|9007199254740993D0|-2.2250738585072011D-308");
+      "0.5D+01|-1.5d-01|+2.5|+-1|1e|1.5x|10|1d999|1d-999|4d-320|.5|5.|..|-.d1|0x1p3|-inf|infx|- 1|DD|e5|1,5");
   for (std::string word; std::getline(words, word, '|');) {
     std::string plain = word;
-    std::replace(plain.begin(), plain.end(), 'D', 'E');
-    std::replace(plain.begin(), plain.end(), 'd', 'e');
+    std::ranges::replace(plain, 'D', 'E'), std::ranges::replace(plain, 'd', 'e');
     double expected = 0.0;
     if (std::sscanf(plain.c_str(), "%lf", &expected) == 1) {
       EXPECT_EQ(str_dsnum(word.data()), expected) << word;
@@ -357,8 +306,8 @@ TEST(Atom, SymbolsAndNumbersConvertBothWays) {
 TEST(Stack, GivesBackTheLastValueFirst) {
   Stack* stack = stack_alloc();
   EXPECT_EQ(stack_get(stack), nullptr);
-  stack_sadd(stack, "freed with the stack");
-  stack_fadd(stack, 0.5), stack_uadd(stack, 7), stack_iadd(stack, -1);
+  stack_sadd(stack, "freed with the stack"), stack_fadd(stack, 0.5), stack_uadd(stack, 7),
+      stack_iadd(stack, -1);
   EXPECT_EQ(stack_sadd(stack, "text"), 5U);
   char text[8];
   double real = 0;
@@ -366,8 +315,8 @@ TEST(Stack, GivesBackTheLastValueFirst) {
   int integer = 0;
   EXPECT_EQ(stack_sget(stack, text), 4U);
   EXPECT_STREQ(text, "text");
-  EXPECT_EQ((std::array{stack_uget(stack, &natural), stack_iget(stack, &integer), stack_fget(stack, &real)}),
-            (std::array{3U, 2U, 1U}));
+  EXPECT_EQ(stack_uget(stack, &natural) - stack_iget(stack, &integer), 1U);
+  EXPECT_EQ(stack_fget(stack, &real), 1U);
   EXPECT_EQ(std::tuple(natural, integer, real), std::tuple(everything, 7, 0.5));  // -1 was an int
   stack_free(stack);
 }

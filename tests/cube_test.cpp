@@ -1,14 +1,8 @@
 #include "cube.hpp"
 
-#include <array>
-#include <cmath>
-#include <cstdlib>
+#include <algorithm>
 #include <cstring>
 #include <numbers>
-#include <sstream>
-#include <string>
-#include <tuple>
-#include <vector>
 
 #include "comp.hpp"
 #include "fcheck.hpp"
@@ -27,21 +21,16 @@ Cube parsed(const std::string& text) {
   Cube cube;
   std::istringstream in(text);
   std::string line;
-  std::getline(in, line);
-  std::getline(in, line);
+  std::getline(in, line), std::getline(in, line);
   in >> cube.atom_count >> cube.grid.points[0][0] >> cube.grid.points[0][1] >> cube.grid.points[0][2];
   for (unsigned axis = 0; axis < 3; ++axis) {
     in >> cube.grid.npoints[axis];
-    for (double& step : cube.grid.vectors[axis]) {
-      in >> step;
-    }
+    std::ranges::for_each(cube.grid.vectors[axis], [&](double& step) { in >> step; });
   }
   for (int i = 0; i <= std::abs(cube.atom_count) + (cube.atom_count < 0); ++i) {
     std::getline(in, line);
   }
-  for (double value = 0.0; in >> value;) {
-    cube.values.push_back(value);
-  }
+  cube.values.assign(std::istream_iterator<double>(in), {});
   return cube;
 }
 
@@ -57,9 +46,8 @@ std::vector<double> data_of(const Molecule& molecule, const CubeDefinition& grid
 // tests/data/README.md tells how the other program's files were made.
 TEST(Cube, AgreesWithTheCubeOfAnotherProgram) {
   const auto molecule = read_text(fcheck_read, read_file(ORVA_TEST_DATA "/oh.fchk"));
-  const std::tuple<const char*, std::int16_t, std::int16_t> rows[] = {{"oh_density.cube", 10, 0},
-                                                                      {"oh_beta_5.cube", 201, 5}};
-  for (const auto& [name, code, orbital] : rows) {
+  using Row = std::tuple<const char*, std::int16_t, std::int16_t>;
+  for (const auto& [name, code, orbital] : {Row{"oh_density.cube", 10, 0}, Row{"oh_beta_5.cube", 201, 5}}) {
     const Cube other = parsed(read_file(std::string(ORVA_TEST_DATA "/") + name));
     const std::vector<double> values = data_of(*molecule, other.grid, code, orbital);
     ASSERT_EQ(values.size(), 9U * 10 * 9);
@@ -92,34 +80,28 @@ TEST(Cube, DensityOfRealMoleculesIntegratesToTheElectrons) {
 }
 
 TEST(Cube, OneGaussianHasItsClosedForm) {
-  SmallFchk fields;
-  fields.method = "UHF";
-  fields.alpha_electrons = 1;
-  fields.beta_electrons = 0;
-  fields.shells = {{0, 2, {0.8}, {1.0}, {}}};
-  fields.coefficient = [](unsigned, unsigned) { return 1.0; };
-  fields.energy = [](unsigned) { return -0.4375; };
+  const SmallFchk fields = {.method = "UHF",
+                            .alpha_electrons = 1,
+                            .beta_electrons = 0,
+                            .shells = {{0, 2, {0.8}, {1.0}, {}}},
+                            .coefficient = [](unsigned, unsigned) { return 1.0; },
+                            .energy = [](unsigned) { return -0.4375; }};
   const auto molecule = read_text(fcheck_read, fchk_text(fields));
   const CubeDefinition grid = {{3, 4, 5}, {{-1, -1, 1}}, {{0.7, 0, 0}, {0, 0.6, 0}, {0, 0, 0.5}}};
   const std::vector<double> density = data_of(*molecule, grid, 10, 0);
   for (const double potential : data_of(*molecule, grid, 63, 0)) {
     EXPECT_EQ(potential, 0.4375);
   }
-  for (unsigned i = 0, n = 0; i < 3; ++i) {
-    for (unsigned j = 0; j < 4; ++j) {
-      for (unsigned k = 0; k < 5; ++k, ++n) {
-        const double r = std::hypot(0.7 * i - 1.0, 0.6 * j - 1.5, 0.5 * k - 2.0);
-        const double expected = std::pow(1.6 / std::numbers::pi, 1.5) * std::exp(-1.6 * r * r);
-        EXPECT_NEAR(density[n], expected, 1e-5 * expected);
-      }
-    }
+  for (unsigned n = 0; n < 3 * 4 * 5; ++n) {
+    const unsigned i = n / 20, j = n / 5 % 4, k = n % 5;
+    const double r = std::hypot(0.7 * i - 1.0, 0.6 * j - 1.5, 0.5 * k - 2.0);
+    const double expected = std::pow(1.6 / std::numbers::pi, 1.5) * std::exp(-1.6 * r * r);
+    EXPECT_NEAR(density[n], expected, 1e-5 * expected);
   }
 }
 
 TEST(Grid, AutomaticBoxFollowsTheAtoms) {
-  SmallFchk carbon;
-  carbon.atoms = {{6, {0, 0, 0}}, {6, {0, 0, 4}}};
-  const auto molecule = read_text(fcheck_read, fchk_text(carbon));
+  const auto molecule = read_text(fcheck_read, fchk_text({.atoms = {{6, {0, 0, 0}}, {6, {0, 0, 4}}}}));
   CubeDefinition cube;
   conf_cube_def = 0;
   cube_define(molecule.get(), &cube);
@@ -142,13 +124,10 @@ TEST(Grid, PointsGiveTheStepsAlongTheirPath) {
 
 TEST(Grid, UnknownRadiusIsToldOnlyWhenWarningsAreWanted) {
   constexpr const char* warning = "warning: unknown radius of atom S, using default value 4.3 A\n";
-  for (const bool is_wanted : {false, true}) {
-    for (const bool is_quiet : {false, true}) {
-      arg_warning = is_wanted;
-      arg_quiet = is_quiet;
-      EXPECT_EQ(printed([] { EXPECT_EQ(cube_atom_radius(16), 4.3); }), is_wanted && !is_quiet ? warning : "");
-      EXPECT_EQ(printed([] { EXPECT_EQ(cube_atom_radius(17), 4.3); }), "");
-    }
+  for (const auto& [is_wanted, is_quiet] : {std::pair{0, 0}, {0, 1}, {1, 0}, {1, 1}}) {
+    arg_warning = static_cast<std::int16_t>(is_wanted), arg_quiet = static_cast<std::int16_t>(is_quiet);
+    EXPECT_EQ(printed([] { EXPECT_EQ(cube_atom_radius(16), 4.3); }), is_wanted > is_quiet ? warning : "");
+    EXPECT_EQ(printed([] { EXPECT_EQ(cube_atom_radius(17), 4.3); }), "");
   }
   arg_warning = arg_quiet = 0;
 }

@@ -4,16 +4,21 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <array>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <tuple>
+#include <vector>
 
-// Helpers of all tests.
+// Helpers of all tests, and the standard headers that nearly all of them need.
 
 /// Runs `call` in a child process, which must end with `status` after printing exactly `output`.
+/// The child leaves its scopes open: a Scratch made in `call` would stay behind.
 template <class Call>
 void expect_exit(Call call, int status, const std::string& output) {
   const auto visibly = [&call] {
@@ -51,22 +56,27 @@ std::string written(Call call) {
   return result;
 }
 
+/// printf's format with one argument.
+template <class Argument>
+std::string formatted(const char* format, Argument argument) {
+  char text[128];
+  std::snprintf(text, sizeof text, format, argument);
+  return text;
+}
+
 /// A new directory, removed with all that is in it at the end of its scope.
 class Scratch {
  public:
-  Scratch() : path_(std::filesystem::temp_directory_path() / "orva-test-XXXXXX") {
-    std::string name = path_.string();
-    path_ = mkdtemp(name.data());
-  }
-  ~Scratch() { std::filesystem::remove_all(path_); }
+  Scratch() = default;
   Scratch(const Scratch&) = delete;
-  Scratch& operator=(const Scratch&) = delete;
+  ~Scratch() { std::filesystem::remove_all(path_); }
 
   std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
   const std::filesystem::path& path() const { return path_; }
 
  private:
-  std::filesystem::path path_;
+  std::string name_ = std::filesystem::temp_directory_path() / "orva-test-XXXXXX";
+  const std::filesystem::path path_ = mkdtemp(name_.data());
 };
 
 inline void write_file(const std::filesystem::path& path, const std::string& text) {
