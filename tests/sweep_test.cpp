@@ -168,6 +168,23 @@ TEST(Sweep, GivesEveryBitOfEveryBasisFunction) {
   }
 }
 
+TEST(Eval, WfnFileOfAMoleculeGivesTheFieldsOfItsCheckpointFile) {
+  const auto molecule = read_text(fcheck_read, fchk_text(every_shell("RHF")));
+  const auto from_wfn = read_text(wfn_read, wfn_text(*molecule));
+  for (const double x : {-2.0, -0.3, 0.1, 1.5}) {
+    const double point[3] = {x, 0.4, 0.7};
+    double density[2], potential[2];
+    for (const Molecule* one : {molecule.get(), from_wfn.get()}) {
+      std::vector<double> values(one->basis_count);
+      const bool second = one == from_wfn.get();
+      eval_bfce_vec(one, point, values.data());
+      eval_orva(one, values.data(), &density[second], &potential[second]);
+    }
+    EXPECT_NEAR(density[1], density[0], 1e-12 * density[0]);
+    EXPECT_NEAR(potential[1], potential[0], 1e-12 * potential[0]);
+  }
+}
+
 TEST(Sweep, BlocksOfOrbitalsHaveTheValuesOfSingleOnes) {
   const auto molecule = read_text(fcheck_read, fchk_text(every_shell("UHF")));
   const CubeDefinition& cube = grids[0];
