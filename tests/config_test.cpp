@@ -91,9 +91,8 @@ TEST_F(Config, GivenVectorsMayBeFollowedByComments) {
   EXPECT_EQ(conf_cube_def + conf_print_zmat, 2);
   EXPECT_EQ(std::to_array(cube.npoints), (std::array{80U, 70U, 60U}));
   EXPECT_EQ(std::to_array(cube.points[0]), (std::array{-1.0, 0.5, 0.2}));
-  EXPECT_EQ(std::to_array(cube.vectors[0]), (std::array{0.25, 0.0, 0.0}));
-  EXPECT_EQ(std::to_array(cube.vectors[1]), (std::array{0.0, 1.0, 0.0}));
-  EXPECT_EQ(std::to_array(cube.vectors[2]), (std::array{0.0, -1.0, 0.125}));
+  constexpr double vectors[3][3] = {{0.25, 0, 0}, {0, 1, 0}, {0, -1, 0.125}};
+  EXPECT_EQ(std::memcmp(cube.vectors, vectors, sizeof vectors), 0);
 }
 
 TEST_F(Config, GivenPointsAreReadAcrossLines) {
@@ -103,6 +102,25 @@ TEST_F(Config, GivenPointsAreReadAcrossLines) {
   for (unsigned i = 0; i < 12; ++i) {
     EXPECT_EQ(cube.points[i / 3][i % 3], i + 1);
   }
+}
+
+// A user takes the "# " away from the six lines of an example in the commented sample.
+TEST_F(Config, VectorExampleOfTheSampleWorksAndThePointExampleDoesNot) {
+  const auto activated = [](std::string text, const std::string& first_line) {
+    std::size_t at = text.find("# " + first_line);
+    for (int line = 0; line < 6 && text[at] == '#'; ++line) {
+      at = text.erase(at, 2).find('\n', at) + 1;
+    }
+    return text;
+  };
+  const std::string sample = read_file(ORVA_TEST_DATA "/sample_explained.config");
+  read_config(activated(sample, "DEFINE_CUBE 1"));
+  EXPECT_EQ(conf_cube_def, 1);
+  EXPECT_EQ(std::to_array(cube.npoints), (std::array{80U, 80U, 80U}));
+  EXPECT_EQ(std::to_array(cube.points[0]), (std::array{-1.0, -1.0, -1.0}));
+  EXPECT_EQ(std::to_array(cube.vectors[2]), (std::array{0.0, 0.0, 0.125}));
+  expect_error([&] { read_config(activated(sample, "DEFINE_CUBE 2")); },
+               "cannot read points in cube definition");
 }
 
 TEST_F(Config, WhatIsWrongIsSaidAndEndsTheRun) {

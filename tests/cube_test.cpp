@@ -53,8 +53,7 @@ TEST(Cube, AgreesWithTheCubeOfAnotherProgram) {
     ASSERT_EQ(values.size(), 9U * 10 * 9);
     ASSERT_EQ(values.size(), other.values.size());
     for (std::size_t i = 0; i < values.size(); ++i) {
-      ASSERT_NEAR(values[i], other.values[i], 1.01e-5 * std::fabs(other.values[i]) + 1e-9)
-          << name << ' ' << i;
+      ASSERT_NEAR(values[i], other.values[i], 1.01e-5 * std::fabs(other.values[i]) + 1e-9) << name;
     }
   }
 }

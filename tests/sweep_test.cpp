@@ -139,8 +139,7 @@ TEST(Sweep, GivesEveryBitOfEveryBasisFunction) {
     for (const SweepKernel* kernel : testable_kernels()) {
       Sweep sweep(molecule.get(), *kernel, SweepField::orbital, list, 1e3);
       const unsigned room = sweep.block_points();
-      std::vector<double> points(3 * room), values(sweep.value_count()), result(std::size_t{room} * n),
-          expected(n);
+      std::vector<double> points(3 * room), values(sweep.value_count()), expected(n);
       for (unsigned round = 0; round < 8000 / room; ++round) {
         const unsigned count = round % 2 == 0 ? room : room - 3;
         const Atom& atom = molecule->atoms[round % molecule->atom_count];

@@ -10,17 +10,7 @@ auto read_wfn(const std::string& text) { return read_text(wfn_read, text); }
 }  // namespace
 
 TEST(Wfn, FillsTheMolecule) {
-  const auto molecule = read_wfn(
-      "  water, perhaps \n"
-      "GAUSSIAN              1 MOL ORBITALS      6 PRIMITIVES        2 NUCLEI\n"
-      "  CL   1    (CENTRE  1)  1.00000000 -2.50000000  0.50000000  CHARGE =  8.0\n"
-      "C1longername (CENTRE  2)  .5-1.0-2.0\n"
-      "CENTRE ASSIGNMENTS    1  1  2  2  2  1\n"
-      "TYPE ASSIGNMENTS      1  2  7 20 35 36\n"
-      "EXPONENTS  0.1500000D+02 0.15d+02 0.2500000E+01 4.5 0.5D0\n"
-      "EXPONENTS  0.7500000D+00\n"
-      "MO    1     MO 0.0        OCC NO =    2.0000000  ORB. ENERGY =  -20.250000\n"
-      "  0.1D+01 -0.50000000D-01 0.25 0.125\n 7.5E-1\t\n-0.1D1 and more that is nobody's business\n");
+  const auto molecule = read_wfn(read_file(ORVA_TEST_DATA "/odd.wfn"));
   EXPECT_STREQ(molecule->title, "water, perhaps");
   EXPECT_EQ(inp_rest_scf, 1);
   EXPECT_EQ(std::tie(molecule->electron_count, molecule->primitive_count), std::tuple(2U, 0U));

@@ -56,8 +56,7 @@ void search_tree(const double* const* distances, int** edges, unsigned n) {
   for (unsigned count = 0, i = 0, j = 0; count + 1 < n;) {
     graph_find_nearest(distances, edges, n, &i, &j);
     const bool joins = labels[i] != labels[j];
-    edges[i][j] = edges[j][i] = joins ? 1 : -1;
-    count += joins ? 1 : 0;
+    edges[i][j] = edges[j][i] = joins ? 1 : -1, count += joins;
     graph_merge_comp(labels.data(), n, i, j);
   }
 }
@@ -117,19 +116,18 @@ TEST(Graph, AtomsOutOfReachEndTheRun) {
 }
 
 TEST(Zmat, RowsReferToTheTreeAndThenToWhatIsPlaced) {
+  const std::string right = "    H  \n    H   1    1.000000\n    H   1    1.000000  2    90.000000\n";
   const std::pair<Points, std::string> rows[] = {
       {{}, ""},
       {{{0, 0, 0}}, "    H  \n"},
       {{{0, 0, 0}, {0, 0, 1}, {0, 2, 0}},
        "    H  \n    H   1    2.000000\n    H   1    1.000000  2    90.000000\n"},
-      {{{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}},  // a ring
-       "    H  \n    H   1    1.000000\n    H   1    1.000000  2    90.000000\n"
-       "    H   3    1.000000  1    90.000000  2      0.000000\n"},
-      {{{0, 0, 0}, {1, 0, 0}, {-1, 0, 0}, {0, 0, 1}, {-2, 0, 0.5}, {-1, 1, 0}},  // branches
-       "    H  \n    H   1    1.000000\n    H   1    1.000000  2    90.000000\n"
-       "    H   3    1.000000  1    90.000000  2     90.000000\n"
-       "    H   3    1.118034  1   153.434949  2      0.000000\n"
-       "    H   1    1.000000  2    90.000000  3    180.000000\n"}};
+      {{{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}},
+       right + "    H   3    1.000000  1    90.000000  2      0.000000\n"},
+      {{{0, 0, 0}, {1, 0, 0}, {-1, 0, 0}, {0, 0, 1}, {-2, 0, 0.5}, {-1, 1, 0}},
+       right + "    H   3    1.000000  1    90.000000  2     90.000000\n" +
+           "    H   3    1.118034  1   153.434949  2      0.000000\n" +
+           "    H   1    1.000000  2    90.000000  3    180.000000\n"}};
   for (auto [points, listing] : rows) {
     for (Point& point : points) {
       vec_fscale(point.data(), 3, 1.0 / angstrom_per_bohr);
@@ -175,9 +173,8 @@ Points rebuild(const Points& points) {
 
 std::vector<double> sorted_distances(const Points& points, double unit) {
   std::vector<double> distances;
-  for (const Point& a : points) {
-    std::ranges::transform(points, std::back_inserter(distances),
-                           [&](const Point& b) { return unit * dist_r(a.data(), b.data(), 3); });
+  for (std::size_t i = 0; i < points.size() * points.size(); ++i) {
+    distances.push_back(unit * dist_r(points[i / points.size()].data(), points[i % points.size()].data(), 3));
   }
   std::ranges::sort(distances);
   return distances;
