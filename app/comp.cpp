@@ -8,7 +8,6 @@
 #include "eval.hpp"
 #include "message.hpp"
 #include "progress.hpp"
-#include "setup.hpp"
 #include "str_real.hpp"
 #include "sweep.hpp"
 #include "vec_base.hpp"

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -28,7 +27,8 @@ constexpr const char* bad_setting = "wrong format of config file - setting";
 
 // As atoi, but held at the limits of int, where atoi may do anything.
 int integer(const char* setting) {
-  return static_cast<int>(std::clamp<long>(std::strtol(setting, nullptr, 10), INT_MIN, INT_MAX));
+  return static_cast<int>(std::clamp<long>(std::strtol(setting, nullptr, 10), std::numeric_limits<int>::min(),
+                                           std::numeric_limits<int>::max()));
 }
 
 std::int16_t check_positive(const char* setting) { return conf_check_intgt(setting, 0); }

@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <numeric>
 
 #include "eval.hpp"
 #include "exponential.hpp"
@@ -221,13 +220,13 @@ void Sweep::plan_shell(std::span<const unsigned> functions, std::size_t first_ex
   const BasisFunction* const function = &molecule_->basis[functions[0]];
   const std::size_t first_term = terms_.size();
   const std::size_t first_norm = norms_.size();
-  std::vector<double> norms(function->primitive_count);
+  std::vector<double> norms;  // of the first function
   for (unsigned i = 0; i < function->primitive_count; ++i) {
     terms_.push_back({infinite, position_of(exponentials_, first_exponential, function->exponents[i])});
     for (const unsigned b : functions) {
       norms_.push_back(norm_fce(&molecule_->basis[b], i));
     }
-    norms[i] = norm_fce(function, i);
+    norms.push_back(norms_[first_norm + i * functions.size()]);
   }
   const std::span terms(terms_.data() + first_term, function->primitive_count);
   if (plan_.may_skip_primitives) {

@@ -73,7 +73,7 @@ struct SweepBlock {
   std::size_t stride;
   // Working memory; the values and exponentials on 64-byte boundaries.
   double* values;         // [tile][basis function][point of the tile]
-  double* exponentials;   // [exponential of an atom][point]
+  double* exponentials;   // [exponential of an atom][point, in packs, those nearest to the atom first]
   unsigned char* active;  // [shell][tile]: whether some point is within its reach
   unsigned* active_list;  // [basis function]
 };
