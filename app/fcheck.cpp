@@ -24,65 +24,80 @@ namespace {
 
 constexpr const char* blanks = " \t";
 
-struct Section;
+// Without which files a section is missing.
+enum class Need { none, always, restricted, unrestricted, sp_shells, beta_orbitals };
 
-// What is at hand while a section is read.
+struct Input;
+
+struct Section {
+  const char* label;
+  Need need;
+  void (*take)(Input& input, const Section& section);
+
+  // Of a count: how many values of the rest of the file it announces, and what is allocated for them.
+  std::uint64_t (*announced)(std::uint64_t count) = nullptr;
+  void (*allocate)(Molecule* molecule) = nullptr;
+
+  // Of an array: how many records it has, and what is wrong if one of its values is no number.
+  unsigned (*length)(const Molecule& molecule) = nullptr;
+  const char* failure = nullptr;
+
+  // An array without a length is not there yet.
+  bool has_values(const Molecule& molecule) const { return length == nullptr || length(molecule) > 0; }
+};
+
+constexpr unsigned section_count = 22;
+
 struct Input {
   Reader reader;
   Molecule* molecule;
   ShellTable shells;
   std::array<char, sizeof Molecule::title> line;  // the label line
-  const Section* section;
-  bool repeated;  // the section was met before
-};
-
-struct Section {
-  const char* label;
-  void (*take)(Input& input);
-  unsigned (*length)(const Molecule& molecule) = nullptr;  // of an array; a scalar has none
-  const char* failure = nullptr;                           // of a value of an array
-  bool only_with_sp_shells = false;
+  std::array<bool, section_count> was_read;       // by section
 };
 
 [[noreturn]] void fail(const char* trouble, const Section& section) {
   msg_fatal_format("%s in fchk file - %s", trouble, section.label);
 }
 
-// Scalars: how many values of the rest of the file a count announces, and what is allocated for them.
+// Scalars.
 
-using Announced = std::uint64_t (*)(std::uint64_t count);
-using Allocation = void (*)(Molecule* molecule);
-
-std::uint64_t no_values(std::uint64_t) { return 0; }
 std::uint64_t atom_values(std::uint64_t count) { return 4 * count; }  // the atomic number and coordinates
 std::uint64_t orbital_values(std::uint64_t count) {
-  return (inp_rest_scf != 0 ? 1 : 2) * (count + 1) * count;  // energies and coefficients
-}
+  return (count + 1) * count;
+}  // of one spin, with energies
 std::uint64_t shell_values(std::uint64_t count) { return 3 * count; }
 std::uint64_t primitive_values(std::uint64_t count) { return 2 * count; }
-void no_allocation(Molecule*) {}
 
-template <unsigned Molecule::*target, Announced announced = no_values, Allocation allocation = no_allocation>
-void take_count(Input& input) {
+bool& was_read(Input& input, const Section& section);
+
+template <unsigned Molecule::*target>
+void take_count(Input& input, const Section& section) {
   const int value = fcheck_last_int(input.line.data());
   const auto count = static_cast<unsigned>(value);
   unsigned& known = input.molecule->*target;
-  if (input.repeated) {
+  if (was_read(input, section)) {
     if (known != count) {
-      fail("contradictory count", *input.section);
+      fail("contradictory count", section);
     }
     return;
   }
-  if (value < 0 || !input.reader.may_hold(announced(count))) {
-    fail("invalid count", *input.section);
+  const bool may_be_cut_off = input.reader.is_at_end() && std::strchr(input.line.data(), '\n') == nullptr;
+  if (value < 0 || may_be_cut_off ||
+      (section.announced != nullptr && !input.reader.may_hold(section.announced(count)))) {
+    fail("invalid count", section);
   }
   known = count;
-  allocation(input.molecule);
+  if (section.allocate != nullptr) {
+    section.allocate(input.molecule);
+  }
 }
 
-void take_charge(Input& input) { input.molecule->charge = fcheck_last_int(input.line.data()); }
+void take_charge(Input& input, const Section&) {
+  input.molecule->charge = fcheck_last_int(input.line.data());
+}
 
-void check_angular_momentum(Input& input) {
+void check_angular_momentum(Input& input, const Section&) {
   const int momentum = fcheck_last_int(input.line.data());
   if (momentum < 0 || momentum > 4) {
     msg_fatal("maximal anglular momentum exceeds limit");
@@ -100,41 +115,41 @@ unsigned length(const Molecule& molecule) {
 unsigned beta_length(const Molecule& molecule) { return inp_rest_scf != 0 ? 0 : molecule.basis_count; }
 
 template <class Number>
-void read_values(Input& input, Number* values, unsigned count) {
+void read_values(Input& input, const Section& section, Number* values, unsigned count) {
   for (unsigned i = 0; i < count; ++i) {
-    if (!input.reader.number(values[i])) {
-      msg_fatal(input.section->failure);
+    if (!input.reader.number(values[i]) || input.reader.is_at_end()) {
+      msg_fatal(section.failure);
     }
   }
 }
 
 std::span<Atom> atoms(const Input& input) { return {input.molecule->atoms, input.molecule->atom_count}; }
 
-void take_atomic_numbers(Input& input) {
+void take_atomic_numbers(Input& input, const Section& section) {
   for (Atom& atom : atoms(input)) {
-    read_values(input, &atom.atomic_number, 1);
+    read_values(input, section, &atom.atomic_number, 1);
     atom_name(atom.symbol, static_cast<int>(atom.atomic_number));
   }
 }
 
-void take_coordinates(Input& input) {
+void take_coordinates(Input& input, const Section& section) {
   for (Atom& atom : atoms(input)) {
-    read_values(input, atom.coord, 3);
+    read_values(input, section, atom.coord, 3);
   }
 }
 
 template <Orbital* Molecule::*target>
-void take_coefficients(Input& input) {
+void take_coefficients(Input& input, const Section& section) {
   const unsigned count = input.molecule->basis_count;
   for (const Orbital& orbital : std::span(input.molecule->*target, count)) {
-    read_values(input, orbital.coefficients, count);
+    read_values(input, section, orbital.coefficients, count);
   }
 }
 
 template <Orbital* Molecule::*target>
-void take_energies(Input& input) {
+void take_energies(Input& input, const Section& section) {
   for (Orbital& orbital : std::span(input.molecule->*target, input.molecule->basis_count)) {
-    read_values(input, &orbital.energy, 1);
+    read_values(input, section, &orbital.energy, 1);
   }
 }
 
@@ -143,13 +158,28 @@ unsigned* allocate(unsigned n, unsigned*) { return vec_ualloc(n); }
 double* allocate(unsigned n, double*) { return vec_falloc(n); }
 
 template <auto target>
-void take_vector(Input& input) {
+void take_vector(Input& input, const Section& section) {
   auto*& vector = input.shells.*target;
-  const unsigned count = input.section->length(*input.molecule);
+  const unsigned count = section.length(*input.molecule);
   if (vector == nullptr) {
     vector = allocate(count, vector);
   }
-  read_values(input, vector, count);
+  read_values(input, section, vector, count);
+}
+
+// Makers of the table's entries.
+
+template <unsigned Molecule::*target>
+constexpr Section count_section(const char* label, Need need,
+                                std::uint64_t (*announced)(std::uint64_t count) = nullptr,
+                                void (*allocate)(Molecule* molecule) = nullptr) {
+  return {
+      .label = label, .need = need, .take = take_count<target>, .announced = announced, .allocate = allocate};
+}
+
+constexpr Section array_section(const char* label, Need need, void (*take)(Input&, const Section&),
+                                unsigned (*length)(const Molecule&), const char* failure) {
+  return {.label = label, .need = need, .take = take, .length = length, .failure = failure};
 }
 
 constexpr auto atom_length = length<&Molecule::atom_count>;
@@ -159,47 +189,47 @@ constexpr auto primitive_length = length<&Molecule::primitive_count>;
 
 // In the order in which a line is compared with the labels.
 constexpr std::array sections = {
-    Section{"Number of atoms", take_count<&Molecule::atom_count, atom_values, mem_alloc_atoms>},
-    Section{"Charge", take_charge},
-    Section{"Multiplicity", take_count<&Molecule::multiplicity>},
-    Section{"Number of electrons", take_count<&Molecule::electron_count>},
-    Section{"Number of alpha electrons", take_count<&Molecule::alpha_electron_count>},
-    Section{"Number of beta electrons", take_count<&Molecule::beta_electron_count>},
-    Section{"Number of basis functions",
-            take_count<&Molecule::basis_count, orbital_values, mem_alloc_orbitals>},
-    Section{"Atomic numbers", take_atomic_numbers, atom_length, "cannot read atomic numbers"},
-    Section{"Current cartesian coordinates", take_coordinates, atom_length,
-            "cannot read cartesian coordinates"},
-    Section{"Alpha MO coefficients", take_coefficients<&Molecule::alpha_orbitals>, orbital_length,
-            "cannot read alpha MO coefficients"},
-    Section{"Beta MO coefficients", take_coefficients<&Molecule::beta_orbitals>, beta_length,
-            "cannot read beta MO coefficients"},
-    Section{"Alpha Orbital Energies", take_energies<&Molecule::alpha_orbitals>, orbital_length,
-            "cannot read alpha MO energies"},
-    Section{"Beta Orbital Energies", take_energies<&Molecule::beta_orbitals>, beta_length,
-            "cannot read beta MO energies"},
-    Section{"Number of contracted shells", take_count<&Molecule::shell_count, shell_values>},
-    Section{"Highest angular momentum", check_angular_momentum},
-    Section{"Number of primitives per shell", take_vector<&ShellTable::primitive_counts>, shell_length,
-            "cannot read number of primitives per shell"},
-    Section{"Shell to atom map", take_vector<&ShellTable::atom_map>, shell_length,
-            "cannot read shell to atom indices"},
-    Section{"Shell types", take_vector<&ShellTable::types>, shell_length, "cannot read shell types"},
-    Section{"Primitive exponents", take_vector<&ShellTable::exponents>, primitive_length,
-            "cannot read primitive exponents"},
-    Section{"Contraction coefficients", take_vector<&ShellTable::coefficients>, primitive_length,
-            "cannot read contraction coefficients"},
-    Section{"P(S=P) Contraction coefficients", take_vector<&ShellTable::sp_coefficients>, primitive_length,
-            "cannot read SP contraction coefficients", true},
-    Section{"Number of primitive shells", take_count<&Molecule::primitive_count, primitive_values>},
+    count_section<&Molecule::atom_count>("Number of atoms", Need::always, atom_values, mem_alloc_atoms),
+    Section{"Charge", Need::none, take_charge},
+    count_section<&Molecule::multiplicity>("Multiplicity", Need::none),
+    count_section<&Molecule::electron_count>("Number of electrons", Need::restricted),
+    count_section<&Molecule::alpha_electron_count>("Number of alpha electrons", Need::unrestricted),
+    count_section<&Molecule::beta_electron_count>("Number of beta electrons", Need::unrestricted),
+    count_section<&Molecule::basis_count>("Number of basis functions", Need::always, orbital_values,
+                                          mem_alloc_orbitals),
+    array_section("Atomic numbers", Need::always, take_atomic_numbers, atom_length,
+                  "cannot read atomic numbers"),
+    array_section("Current cartesian coordinates", Need::always, take_coordinates, atom_length,
+                  "cannot read cartesian coordinates"),
+    array_section("Alpha MO coefficients", Need::always, take_coefficients<&Molecule::alpha_orbitals>,
+                  orbital_length, "cannot read alpha MO coefficients"),
+    array_section("Beta MO coefficients", Need::beta_orbitals, take_coefficients<&Molecule::beta_orbitals>,
+                  beta_length, "cannot read beta MO coefficients"),
+    array_section("Alpha Orbital Energies", Need::always, take_energies<&Molecule::alpha_orbitals>,
+                  orbital_length, "cannot read alpha MO energies"),
+    array_section("Beta Orbital Energies", Need::beta_orbitals, take_energies<&Molecule::beta_orbitals>,
+                  beta_length, "cannot read beta MO energies"),
+    count_section<&Molecule::shell_count>("Number of contracted shells", Need::always, shell_values),
+    Section{"Highest angular momentum", Need::none, check_angular_momentum},
+    array_section("Number of primitives per shell", Need::always, take_vector<&ShellTable::primitive_counts>,
+                  shell_length, "cannot read number of primitives per shell"),
+    array_section("Shell to atom map", Need::always, take_vector<&ShellTable::atom_map>, shell_length,
+                  "cannot read shell to atom indices"),
+    array_section("Shell types", Need::always, take_vector<&ShellTable::types>, shell_length,
+                  "cannot read shell types"),
+    array_section("Primitive exponents", Need::always, take_vector<&ShellTable::exponents>, primitive_length,
+                  "cannot read primitive exponents"),
+    array_section("Contraction coefficients", Need::always, take_vector<&ShellTable::coefficients>,
+                  primitive_length, "cannot read contraction coefficients"),
+    array_section("P(S=P) Contraction coefficients", Need::sp_shells,
+                  take_vector<&ShellTable::sp_coefficients>, primitive_length,
+                  "cannot read SP contraction coefficients"),
+    count_section<&Molecule::primitive_count>("Number of primitive shells", Need::always, primitive_values),
 };
-static_assert(sections.size() == 22);
+static_assert(sections.size() == section_count);
 
-// Which sections were read. An array without a length is not there yet.
-using SectionFlags = std::array<bool, sections.size()>;
-
-bool has_values(const Section& section, const Molecule& molecule) {
-  return section.length == nullptr || section.length(molecule) > 0;
+bool& was_read(Input& input, const Section& section) {
+  return input.was_read[static_cast<std::size_t>(&section - sections.data())];
 }
 
 void read_heading(Input& input) {
@@ -213,35 +243,54 @@ void read_heading(Input& input) {
   fcheck_input_method(input.line.data());
 }
 
-SectionFlags read_sections(Input& input) {
-  SectionFlags read{};
+void read_sections(Input& input) {
   while (input.reader.line(input.line)) {
     const char* line = input.line.data();
     // Most lines are numbers: their first character tells.
     const auto* section = std::find_if(sections.begin(), sections.end(), [line](const Section& candidate) {
       return *line == *candidate.label && str_sub_bfind(line, candidate.label) != 0;
     });
-    if (section != sections.end() && has_values(*section, *input.molecule)) {
-      bool& flag = read[static_cast<std::size_t>(section - sections.begin())];
-      input.section = section;
-      input.repeated = flag;
-      section->take(input);
-      flag = true;
+    if (section != sections.end() && section->has_values(*input.molecule)) {
+      section->take(input, *section);
+      was_read(input, *section) = true;
     }
   }
-  return read;
 }
 
-void check_sections(const SectionFlags& read, const Input& input) {
-  const bool has_sp_shells =
-      vec_iin(input.shells.types, sp_shell, input.molecule->shell_count) != vec_not_found;
-  for (std::size_t i = 0; i < sections.size(); ++i) {
-    const Section& section = sections[i];
-    const bool is_array = section.length != nullptr;
-    if (is_array && !read[i] && has_values(section, *input.molecule) &&
-        (has_sp_shells || !section.only_with_sp_shells)) {
+// Whether a section that is needed for beta orbitals was read: a file without any of them has none, one with
+// a part of them was cut off.
+bool has_beta_orbitals(Input& input) {
+  return std::any_of(sections.begin(), sections.end(), [&](const Section& section) {
+    return section.need == Need::beta_orbitals && was_read(input, section);
+  });
+}
+
+bool is_needed(Need need, Input& input) {
+  switch (need) {
+    case Need::none:
+      return false;
+    case Need::always:
+      return true;
+    case Need::restricted:
+      return inp_rest_scf != 0;
+    case Need::unrestricted:
+      return inp_rest_scf == 0;
+    case Need::sp_shells:
+      return vec_iin(input.shells.types, sp_shell, input.molecule->shell_count) != vec_not_found;
+    case Need::beta_orbitals:
+      return has_beta_orbitals(input);
+  }
+  return true;
+}
+
+void check_sections(Input& input) {
+  for (const Section& section : sections) {
+    if (!was_read(input, section) && section.has_values(*input.molecule) && is_needed(section.need, input)) {
       fail("missing section", section);
     }
+  }
+  if (inp_rest_scf == 0 && !has_beta_orbitals(input) && arg_quiet == 0) {
+    msg_warn("no beta orbitals in fchk file, beta electrons are left out");
   }
 }
 
@@ -258,13 +307,13 @@ void check_electrons(const Molecule& molecule) {
 
 void fcheck_read(Molecule* molecule) {
   std::FILE* stream = file_open(glob_file_input, "r");
-  Input input = {Reader(stream), molecule, {}, {}, nullptr, false};
+  Input input = {.reader = Reader(stream), .molecule = molecule, .shells = {}, .line = {}, .was_read = {}};
   reorder_shell_init(&input.shells);
   read_heading(input);
-  const SectionFlags read = read_sections(input);
+  read_sections(input);
   file_close(stream);
 
-  check_sections(read, input);
+  check_sections(input);
   reorder_basis(molecule, &input.shells);
   check_electrons(*molecule);
 }

@@ -36,8 +36,7 @@ constexpr std::array g15_classes = {NormClass{2, make(524288, 11025)}, NormClass
 constexpr std::array d5_norms = {make(128, 9), make(2048, 1), make(2048, 1), make(128, 1), make(2048, 1)};
 constexpr std::array f7_norms = {make(2048, 225), make(512, 25), make(512, 25), make(2048, 1),
                                  make(32768, 1),  make(512, 9),  make(512, 9)};
-// Components 0 and 3 divide by 891² and 51² where a unit norm would take 840² and 42²: kept, since published
-// cubes were made so; their functions integrate to 280/297 and 14/17.
+// The squares of components 0 and 3 integrate to 280/297 and 14/17, those of all others to 1.
 constexpr std::array g9_norms = {make(8192, 793881), make(8192, 441),  make(8192, 441),
                                  make(8192, 2601),   make(32768, 441), make(8192, 9),
                                  make(8192, 9),      make(128, 9),     make(32768, 9)};

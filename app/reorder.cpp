@@ -12,6 +12,8 @@ namespace {
 constexpr const char* wrong_functions = "wrong base reorder - number of basis functions";
 constexpr const char* wrong_primitives = "wrong base reorder - number of primitives";
 
+constexpr const char* missing_array = "wrong base reorder - missing array";
+
 constexpr int highest_code = 4;
 
 double* copy(const double* values, unsigned count) {
@@ -27,6 +29,13 @@ struct Kind {
   unsigned function_count;
   const double* coefficients;  // of the primitives of all shells
 };
+
+void check_arrays(const ShellTable* shells) {
+  if (shells->types == nullptr || shells->atom_map == nullptr || shells->primitive_counts == nullptr ||
+      shells->exponents == nullptr || shells->coefficients == nullptr) {
+    msg_fatal(missing_array);
+  }
+}
 
 void make_functions(Molecule* molecule, const ShellTable* shells, unsigned shell, unsigned& function,
                     unsigned& primitive, const Kind& kind) {
@@ -68,6 +77,9 @@ void reorder_free(ShellTable* shells) {
 }
 
 void reorder_basis(Molecule* molecule, ShellTable* shells) {
+  if (molecule->shell_count > 0) {
+    check_arrays(shells);
+  }
   mem_alloc_basis(molecule);
   unsigned function = 0;
   unsigned primitive = 0;
@@ -118,6 +130,9 @@ void reorder_shell_p(Molecule* molecule, const ShellTable* shells, unsigned shel
 
 void reorder_shell_sp(Molecule* molecule, const ShellTable* shells, unsigned shell, unsigned& function,
                       unsigned& primitive) {
+  if (shells->sp_coefficients == nullptr) {
+    msg_fatal(missing_array);
+  }
   reorder_shell_s(molecule, shells, shell, function, primitive, sp_shell);
   primitive -= shells->primitive_counts[shell];
   reorder_shell_p(molecule, shells, shell, function, primitive, sp_shell);

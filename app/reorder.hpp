@@ -26,7 +26,7 @@ void reorder_free(ShellTable* shells);
 /// coefficients list them, and releases the shells. The molecule holds its atoms and all counts.
 /// Ends the run with "unknown shell type CODE", "shell atom index exceedes number of atoms", or "wrong base
 /// reorder - ..." if the shells make more or fewer functions than `basis_count`, or use more or fewer
-/// primitives than `primitive_count`.
+/// primitives than `primitive_count`, or if an array that they need is null.
 void reorder_basis(Molecule* molecule, ShellTable* shells);
 
 // Each of these makes the functions of one shell, starting with basis function `function`, from the

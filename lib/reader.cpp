@@ -10,6 +10,8 @@
 #include <limits>
 #include <system_error>
 
+#include "string.hpp"
+
 namespace {
 
 constexpr std::uint64_t unknown_size = std::numeric_limits<std::uint64_t>::max();
@@ -37,16 +39,29 @@ std::uint64_t bytes_ahead(std::FILE* stream) {
 Reader::Reader(std::FILE* stream)
     : stream_(stream), unloaded_(bytes_ahead(stream)), next_(buffer_.data()), end_(next_) {}
 
+void Reader::load() {
+  char* const free = std::copy(next_, end_, buffer_.data());
+  const auto room = static_cast<std::size_t>(buffer_.data() + buffer_.size() - free);
+  const std::size_t loaded = std::fread(free, 1, room, stream_);
+  if (unloaded_ != unknown_size) {
+    unloaded_ -= std::min<std::uint64_t>(loaded, unloaded_);
+  }
+  next_ = buffer_.data();
+  end_ = free + loaded;
+}
+
 bool Reader::fill() {
   if (next_ == end_) {
-    const std::size_t loaded = std::fread(buffer_.data(), 1, buffer_.size(), stream_);
-    if (unloaded_ != unknown_size) {
-      unloaded_ -= std::min<std::uint64_t>(loaded, unloaded_);
-    }
-    next_ = buffer_.data();
-    end_ = next_ + loaded;
+    load();
   }
   return next_ != end_;
+}
+
+std::string_view Reader::ahead(std::size_t count) {
+  if (static_cast<std::size_t>(end_ - next_) < count) {
+    load();
+  }
+  return {next_, std::min(count, static_cast<std::size_t>(end_ - next_))};
 }
 
 int Reader::peek() { return fill() ? static_cast<unsigned char>(*next_) : EOF; }
@@ -216,8 +231,19 @@ bool Reader::take_real(std::string& text) {
     }
     take(text);
   }
-  return !hexadecimal || text.size() > sign + 2;
+  if (hexadecimal) {
+    return text.size() > sign + 2;
+  }
+  if (digit && point && !exponent && str_is_exponent(ahead(str_exponent_length + 1))) {
+    text += 'e';
+    for (unsigned i = 0; i < str_exponent_length; ++i) {
+      take(text);
+    }
+  }
+  return true;
 }
+
+bool Reader::is_at_end() { return !fill(); }
 
 std::uint64_t Reader::remaining() const {
   return unloaded_ == unknown_size ? unknown_size : unloaded_ + static_cast<std::uint64_t>(end_ - next_);

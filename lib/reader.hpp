@@ -8,8 +8,8 @@
 #include <string>
 #include <string_view>
 
-/// Buffered reading of one text file: lines in pieces, and numbers exactly as the C library's formatted
-/// input takes them, at the speed of memory. While a Reader reads a stream, nobody else may.
+/// Buffered reading of one text file: lines in pieces, and numbers as the C library's formatted input takes
+/// them, at the speed of memory. While a Reader reads a stream, nobody else may.
 class Reader {
  public:
   /// Reads from the stream's current position; the stream stays the caller's.
@@ -32,10 +32,14 @@ class Reader {
   /// "%d", "%u" and "%lf": white space (line ends included) is skipped and the longest beginning of a number
   /// is taken; what follows it is left unread. False, with nothing stored, if no number is there. An integer
   /// that does not fit its type counts as none ("%u" takes a minus sign, as the C library does); a real
-  /// beyond the largest is infinite.
+  /// beyond the largest is infinite. Beyond "%lf", a real with a decimal point may have an exponent of three
+  /// digits without a letter, as Fortran writes it (str_is_exponent).
   bool number(int& value);
   bool number(unsigned& value);
   bool number(double& value);
+
+  /// Whether all is read. A number that ends there may have been cut off.
+  bool is_at_end();
 
   /// Upper bound on the bytes not yet read; the largest value if the file's size is unknown (a pipe).
   std::uint64_t remaining() const;
@@ -51,8 +55,10 @@ class Reader {
     std::uint64_t magnitude;  // 2^32 stands for all that is larger
   };
 
-  bool fill();  // false if no character is left
-  int peek();   // the next character, or EOF
+  void load();                                // fills the buffer behind what is unread
+  bool fill();                                // false if no character is left
+  int peek();                                 // the next character, or EOF
+  std::string_view ahead(std::size_t count);  // the next characters; fewer only at the end of the file
   void skip_space();
   bool take_integer(Integer& integer);
   bool take_real(std::string& text);

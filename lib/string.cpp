@@ -1,7 +1,10 @@
 #include "string.hpp"
 
+#include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cstring>
+#include <string>
 
 #include "message.hpp"
 
@@ -35,6 +38,32 @@ int str_compare(const char* first, const char* second) {
   return is_end_reached && *skip(first, " \n") == '\0' && *skip(second, " \n") == '\0';
 }
 
+bool str_is_exponent(std::string_view text) {
+  const auto is_digit = [](unsigned char character) { return std::isdigit(character) != 0; };
+  const auto is_space = [](unsigned char character) { return std::isspace(character) != 0; };
+  const std::string_view digits = text.substr(std::min<std::size_t>(text.size(), 1), 3);
+  return (text.starts_with('-') || text.starts_with('+')) && digits.size() == 3 &&
+         std::ranges::all_of(digits, is_digit) &&
+         (text.size() == str_exponent_length ||
+          is_space(static_cast<unsigned char>(text[str_exponent_length])));
+}
+
+const char* str_fortran_real(const char* text, double* value) {
+  int length = 0;
+  if (std::sscanf(text, "%lf%n", value, &length) != 1) {
+    return nullptr;
+  }
+  const char* const rest = text + length;
+  std::string number(text, rest);
+  const bool has_point_alone = number.find('.') != number.npos && number.find_first_of("EeXx") == number.npos;
+  if (!has_point_alone || !str_is_exponent(rest)) {
+    return rest;
+  }
+  number.append("E").append(rest, str_exponent_length);
+  std::sscanf(number.c_str(), "%lf", value);
+  return rest + str_exponent_length;
+}
+
 double str_dsnum(char* word) {
   const std::size_t length = std::strlen(word);
   if (length < 2) {
@@ -51,7 +80,7 @@ double str_dsnum(char* word) {
   }
   // All that is not a plain decimal number from end to end: signs, ranges and halves of exponents are the
   // C library's to judge.
-  if (std::sscanf(word, "%lf", &value) != 1) {
+  if (str_fortran_real(word, &value) == nullptr) {
     char text[256];
     std::snprintf(text, sizeof text, "cannot convert fortran double precision type \"%s\"", word);
     msg_fatal(text);

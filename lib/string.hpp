@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <string_view>
 
 /// Number of decimal digits of the value (a negative one taken as unsigned); 0 for 0.
 unsigned str_unum_len(std::int32_t value);
@@ -11,9 +12,19 @@ unsigned str_lunum_len(std::uint64_t value);
 /// An empty string equals only an empty string.
 int str_compare(const char* first, const char* second);
 
-/// A number in Fortran notation ("0.5D+01"); D and d in the word are replaced by E and e. What follows the
-/// number is ignored; a word of one character is 0.0. Without a number the run ends with
-/// `cannot convert fortran double precision type "WORD"`.
+inline constexpr unsigned str_exponent_length = 4;
+
+/// Whether the text begins with an exponent of three digits, which Fortran writes without its letter ("-101"
+/// of "1.5-101"): a sign, exactly three digits, then white space or the end.
+bool str_is_exponent(std::string_view text);
+
+/// The real at the beginning of the text, as "%lf" takes it, or with a decimal point and an exponent without
+/// its letter. Returns what follows it; null, with `value` untouched, if there is none.
+const char* str_fortran_real(const char* text, double* value);
+
+/// A number in Fortran notation ("0.5D+01", "0.5-101"); D and d in the word are replaced by E and e. What
+/// follows the number is ignored; a word of one character is 0.0. Without a number the run ends with `cannot
+/// convert fortran double precision type "WORD"`.
 double str_dsnum(char* word);
 
 inline constexpr unsigned str_line_size = 4096;  // buffer of str_ffind, terminator included

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <utility>
 
+#include "reorder.hpp"
 #include "shell.hpp"
 #include "small_files.hpp"
 
@@ -87,6 +88,8 @@ TEST(Fchk, WhatDoesNotMatterChangesNothing) {
       {"Atomic numbers", " Atomic numbers\nAtomic number\nAtomic numbers"},
       {"N=           6\n  0.0", "N=   1\n\n\t 0.0"},
       {"  5.0000000000000000E-01\n  3.", "\r\n0.5\v3."},
+      {"Number of alpha", "Alpha"},
+      {"Number of beta", "Beta"},
       {"Charge", "Beta Orbital Energies\n  none\nBeta MO coefficients\n 1.0 2.0\nCharge"},
       {"Number of contracted", "Shell types too early\n 1 2\nNumber of contracted"},
   };
@@ -95,8 +98,50 @@ TEST(Fchk, WhatDoesNotMatterChangesNothing) {
   }
   // Arrays a second time, a long line, a line that is empty for C, and a last line without its newline.
   const std::string again = text.substr(text.find("Shell types"));
-  const std::string rubbish = std::string(5000, 'x') + std::string(3, '\0') + "\n";
-  EXPECT_EQ(wfn_text(*read_fchk(text + rubbish + again.substr(0, again.size() - 1))), expected);
+  const std::string rubbish = std::string(5000, 'x') + std::string(3, '\0');
+  EXPECT_EQ(wfn_text(*read_fchk(text + rubbish + "\n" + again + rubbish)), expected);
+}
+
+TEST(Fchk, WithoutAnyBetaSectionBetaOrbitalsAreZerosAndAWarningTells) {
+  const std::string whole = fchk_text(unrestricted()), text = whole.substr(0, whole.find("Beta Orbital"));
+  for (const bool quiet : {true, false}) {
+    arg_quiet = quiet ? 1 : 0;
+    EXPECT_EQ(printed([&] {
+                const auto molecule = read_fchk(text);
+                for (const Orbital& orbital : std::span(molecule->beta_orbitals, 5)) {
+                  EXPECT_EQ(orbital.energy, 0.0);
+                  EXPECT_TRUE(std::all_of(orbital.coefficients, orbital.coefficients + 5,
+                                          [](double value) { return value == 0.0; }));
+                }
+              }),
+              quiet ? "" : "warning: no beta orbitals in fchk file, beta electrons are left out\n");
+  }
+  EXPECT_EQ(printed([&] { read_fchk(whole), read_fchk(fchk_text()); }), "");
+}
+
+// What a cut leaves is rejected with one line, or it is as good as the whole file.
+TEST(Fchk, NoCutOfAFileGivesAnotherMolecule) {
+  const std::string text = fchk_text(unrestricted());
+  expect_cuts_rejected(fcheck_read, text, text.size(), text.find("Beta Orbital"));
+  expect_cuts_rejected(fcheck_read, fchk_text(), fchk_text().size());
+}
+
+TEST(Reorder, AbsentArraysEndTheRun) {
+  int types[] = {sp_shell};
+  unsigned ones[] = {1};
+  double reals[] = {1.0};
+  Molecule molecule{};
+  Atom atom{};
+  molecule.atom_count = molecule.primitive_count = molecule.shell_count = 1;
+  molecule.basis_count = 4, molecule.atoms = &atom;
+  const ShellTable whole = {types, ones, ones, reals, reals, reals};
+  const auto without = [&](auto member) {
+    ShellTable shells = whole;
+    shells.*member = nullptr;
+    expect_error([&] { reorder_basis(&molecule, &shells); }, "wrong base reorder - missing array");
+  };
+  without(&ShellTable::types), without(&ShellTable::atom_map), without(&ShellTable::primitive_counts);
+  without(&ShellTable::sp_coefficients), without(&ShellTable::coefficients), without(&ShellTable::exponents);
 }
 
 TEST(Fchk, BadFilesEndTheRun) {
@@ -122,7 +167,13 @@ TEST(Fchk, BadFilesEndTheRun) {
       {"Shell types", "Shell Types", "missing section in fchk file - Shell types"},
       {"P(S=P)", "P(S-P)", "missing section in fchk file - P(S=P) Contraction coefficients"},
       {"Beta MO", "Gamma MO", "missing section in fchk file - Beta MO coefficients"},
-      {"Number of basis functions  ", "Energies\n", "wrong base reorder - number of basis functions"},
+      {"Beta Orb", "Gamma Orb", "missing section in fchk file - Beta Orbital Energies"},
+      {"Number of basis functions", "Energies", "missing section in fchk file - Number of basis functions"},
+      {"Number of atoms", "Atoms", "missing section in fchk file - Number of atoms"},
+      {"Number of contr", "Contr", "missing section in fchk file - Number of contracted shells"},
+      {"Number of primitive shells", "", "missing section in fchk file - Number of primitive shells"},
+      {"Number of alpha", "Alpha", "missing section in fchk file - Number of alpha electrons"},
+      {"Number of beta", "Beta", "missing section in fchk file - Number of beta electrons"},
       {"          -1           0\n", " 5 0\n", "unknown shell type 5"},
       {"          -1           0\n", " 0 -5\n", "unknown shell type -5"},
       {"          -1           0\n", " 0 0\n", "wrong base reorder - number of basis functions"},
@@ -138,4 +189,11 @@ TEST(Fchk, BadFilesEndTheRun) {
       {"beta el", "beta electrons 6\n", "number of electrons exceeds number of orbitals in fchk file"},
   };
   expect_rejected(fcheck_read, fchk_text(unrestricted()), breakages);
+  constexpr Breakage restricted[] = {
+      {"Number of elec", "Elec", "missing section in fchk file - Number of electrons"},
+      {"Number of atoms", nullptr, "missing section in fchk file - Number of atoms"},
+      {"Number of electrons  ", "Number of electrons 12\n",
+       "number of electrons exceeds number of orbitals in fchk file"},
+  };
+  expect_rejected(fcheck_read, fchk_text(), restricted);
 }

@@ -6,6 +6,7 @@
 #include <random>
 #include <span>
 
+#include "string.hpp"
 #include "support.hpp"
 
 namespace {
@@ -71,6 +72,26 @@ TEST(Reader, TakesFromAnOddTextWhatFormattedInputTakes) {
         EXPECT_EQ(by_reader<int>(all), by_scanf<int>(all, "%d"));
       }
     }
+  }
+}
+
+TEST(Reader, ThreeDigitsBehindASignAreAnExponentOfTheRealThatTheyTouch) {
+  const std::tuple<std::string, double, std::string> rows[] = {
+      {"1.25-101", 1.25e-101, ""},  {"-1.25+101 2", -1.25e101, " 2"}, {".5-100\n", 0.5e-100, "\n"},
+      {"1.-100\t", 1e-100, "\t"},   {"1.25-10", 1.25, "-10"},         {"1.25-1012", 1.25, "-1012"},
+      {"1.25-101.", 1.25, "-101."}, {"1.25-1e1", 1.25, "-1e1"},       {"1.25 -101", 1.25, " -101"},
+      {"125-101", 125, "-101"},     {"1.25E1-101", 12.5, "-101"},     {"0x1.8-101", 1.5, "-101"},
+      {"1.25--101", 1.25, "--101"}, {"1.25_101", 1.25, "_101"},       {"1.25-10x", 1.25, "-10x"}};
+  for (const auto& [text, value, rest] : rows) {
+    SCOPED_TRACE(text);
+    for (std::size_t loaded = 0; loaded <= text.size(); ++loaded) {  // before the buffer ends
+      EXPECT_EQ(by_reader<double>(std::string(buffer_size - loaded, ' ') + text),
+                described(true, value, rest));
+    }
+    double found = 0.0;
+    EXPECT_EQ(str_fortran_real(text.c_str(), &found), rest);
+    EXPECT_EQ(found, value);
+    EXPECT_EQ(str_dsnum(std::string(text).data()), value);
   }
 }
 

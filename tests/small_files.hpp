@@ -5,6 +5,7 @@
 #include <span>
 
 #include "memory.hpp"
+#include "message.hpp"
 #include "setup.hpp"
 #include "shell.hpp"
 #include "support.hpp"
@@ -189,4 +190,37 @@ inline void expect_rejected(ReadInput read, const std::string& text, std::span<c
     Molecule molecule{};
     expect_error([&] { read(&molecule); }, message);
   }
+}
+
+/// Thrown in the place of the end of the process.
+struct FatalError {};
+
+/// Reads every beginning of a text in a child process. Those shorter than `needed` must be rejected, all
+/// others give the same molecule as the whole, and so does one that is a whole file of its own.
+inline void expect_cuts_rejected(ReadInput read, const std::string& text, std::size_t needed,
+                                 std::size_t whole = std::string::npos) {
+  const auto read_cuts = [&] {
+    const std::string expected = wfn_text(*read_text(read, text));
+    msg_error_fce_set([](void*, void*) { throw FatalError(); }, nullptr, nullptr);
+    std::freopen("/dev/null", "w", stdout);
+    for (std::size_t length = 0; length < text.size(); ++length) {
+      const Scratch scratch;
+      set_input(scratch, text.substr(0, length));
+      Molecule molecule{};
+      msg_ef.armed = 1;
+      try {
+        read(&molecule);
+        if ((length < needed && length != whole) || wfn_text(molecule) != expected) {
+          std::fprintf(stderr, "taken for the whole: the first %zu characters\n", length);
+        }
+      } catch (const FatalError&) {
+        if (length >= needed) {
+          std::fprintf(stderr, "rejected: the first %zu characters\n", length);
+        }
+      }
+    }
+    std::fflush(stderr);
+    _exit(0);  // what was left behind by the errors is not to be missed
+  };
+  EXPECT_EXIT(read_cuts(), testing::ExitedWithCode(0), testing::Eq(""));
 }

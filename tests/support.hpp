@@ -67,7 +67,7 @@ std::string formatted(const char* format, Argument argument) {
 /// A new directory, removed with all that is in it at the end of its scope.
 class Scratch {
  public:
-  Scratch() = default;
+  Scratch() {}  // not defaulted: constant objects of it are made
   Scratch(const Scratch&) = delete;
   ~Scratch() { std::filesystem::remove_all(path_); }
 
