@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "eval.hpp"
-#include "message.hpp"
 #include "progress.hpp"
 #include "str_real.hpp"
 #include "sweep.hpp"
@@ -16,7 +15,8 @@ double* comp_bfce_vec = nullptr;
 
 namespace {
 
-constexpr double orbital_memory = 64.0 * 1024 * 1024;  // bytes at most for the values of many orbitals
+// Bytes at most for many orbitals, their values and the coefficients that their sweep keeps.
+constexpr double orbital_memory = 64.0 * 1024 * 1024;
 
 const Orbital* orbital_of(const Molecule* molecule, std::int16_t code, std::int16_t orbital) {
   return (code == 201 ? molecule->beta_orbitals : molecule->alpha_orbitals) + (orbital - 1);
@@ -167,19 +167,17 @@ void comp_data(const Molecule* molecule, const CubeDefinition* cube, std::int16_
   });
 }
 
-unsigned comp_orbital_block(const CubeDefinition* cube) {
+OrbitalValues comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_count, unsigned basis_count) {
   const double point_count = 1.0 * cube->npoints[0] * cube->npoints[1] * cube->npoints[2];
-  return static_cast<unsigned>(
-      std::min(orbital_memory / sizeof(double) / std::max(point_count, 1.0), 65535.0));
-}
-
-OrbitalValues comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_count) {
-  OrbitalValues result;
-  result.orbital_count = std::min(orbital_count, comp_orbital_block(cube));
-  result.point_count = std::size_t{cube->npoints[0]} * cube->npoints[1] * cube->npoints[2];
-  result.values.reset(new (std::nothrow) double[result.point_count * result.orbital_count]);
+  const double fitting = orbital_memory / sizeof(double) / std::max(point_count + basis_count, 1.0);
+  OrbitalValues result = {nullptr, 0, 0};
+  if (fitting >= 2.0) {
+    result.orbital_count = static_cast<unsigned>(std::min<double>(fitting, orbital_count));
+    result.point_count = static_cast<std::size_t>(point_count);
+    result.values.reset(new (std::nothrow) double[result.point_count * result.orbital_count]);
+  }
   if (result.values == nullptr) {
-    msg_fatal("cannot allocate memory for values of orbitals");
+    result.orbital_count = 0;
   }
   return result;
 }

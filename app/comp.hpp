@@ -20,10 +20,10 @@ extern double* comp_bfce_vec;
 void comp_data(const Molecule* molecule, const CubeDefinition* cube, std::int16_t code, std::int16_t orbital,
                std::FILE* first, std::FILE* second);
 
-/// Values of some orbitals at all grid points, bohr^(-3/2).
+/// Room for the values of some orbitals at all grid points, bohr^(-3/2).
 struct OrbitalValues {
   std::unique_ptr<double[]> values;
-  unsigned orbital_count;  // for which there is room
+  unsigned orbital_count;  // for which there is room; 0 if there is none for two
   std::size_t point_count;
 
   std::span<double> of(std::size_t orbital) const {
@@ -31,12 +31,9 @@ struct OrbitalValues {
   }
 };
 
-/// How many orbitals' values at all grid points 64 MiB hold; 0 if the grid is too large for one.
-unsigned comp_orbital_block(const CubeDefinition* cube);
-
-/// Room for `orbital_count` orbitals, or for as many as comp_orbital_block tells, which must not be 0.
-/// Without memory the run ends with "cannot allocate memory for values of orbitals".
-OrbitalValues comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_count);
+/// Room for `orbital_count` orbitals of `basis_count` coefficients, or for as many as 64 MiB and the memory
+/// at hand allow.
+OrbitalValues comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_count, unsigned basis_count);
 
 /// Evaluates `count` orbitals at all grid points in one sweep; there must be room for them.
 void comp_orbital_values(const Molecule* molecule, const CubeDefinition* cube, const Orbital* orbitals,

@@ -13,7 +13,7 @@ struct Graph {
   std::uint32_t nedge;  // edges of the tree, nvert - 1
 };
 
-/// State of a pair of atoms in the square matrix of the construction, the same at (i, j) and (j, i).
+/// State of a pair of atoms in a square matrix, the same at (i, j) and (j, i).
 enum GraphEdge : int {
   graph_edge_rejected = -1,  // its atoms were already connected
   graph_edge_undecided = 0,
@@ -24,8 +24,8 @@ enum GraphEdge : int {
 /// Pairs at this distance (bohr) or more are never joined.
 inline constexpr double graph_reach = 1e6;
 
-/// The tree over the symmetric distances (bohr) of n atoms, n at least 1. Ends the run if an atom is out of
-/// reach of the others.
+/// The tree over the symmetric distances (bohr) of n atoms, n at least 1: what graph_connect and graph_fill
+/// make, without a matrix of states. Ends the run if an atom is out of reach of the others.
 Graph* graph_create(const double* const* distances, unsigned n);
 
 /// Releases the tree; null is allowed.
@@ -34,8 +34,9 @@ void graph_free(Graph* graph);
 /// Position in `child` behind the children of an atom.
 unsigned graph_end(const Graph* graph, unsigned atom);
 
-/// Builds the tree in the matrix of edge states: the nearest undecided pair is joined, or rejected if it is
-/// connected already, until the tree is complete. Ends the run if an atom is out of reach of the others.
+/// Fills the matrix of edge states, n at least 1, as if by repeated search: the nearest undecided pair is
+/// joined, or rejected if it is connected already, until the tree is complete. Ends the run if an atom is out
+/// of reach of the others.
 void graph_connect(const double* const* distances, int** edges, unsigned n);
 
 /// The nearest undecided pair, row > column; of equal distances the one with the smallest row, then column.

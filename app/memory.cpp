@@ -10,12 +10,13 @@
 
 namespace {
 
-Orbital* allocate_orbitals(std::size_t count, const char* failure) {
+Orbital* allocate_orbitals(std::size_t count, std::size_t listed, const char* failure) {
   auto* orbitals = allocate<Orbital>(count, failure);
-  auto* coefficients = allocate<double>(count * count, "cannot allocate memory for vector of doubles");
+  const std::size_t vector_count = std::min(count, listed + 1);
+  auto* coefficients = allocate<double>(vector_count * count, "cannot allocate memory for vector of doubles");
   orbitals[0].coefficients = coefficients;  // there is room for one even if the count is 0
   for (std::size_t i = 1; i < count; ++i) {
-    orbitals[i].coefficients = coefficients + i * count;
+    orbitals[i].coefficients = coefficients + std::min(i, listed) * count;
   }
   return orbitals;
 }
@@ -45,12 +46,15 @@ void mem_alloc_atoms(Molecule* molecule) {
   molecule->atoms = allocate<Atom>(molecule->atom_count, "cannot allocate memory for atom information");
 }
 
-void mem_alloc_orbitals(Molecule* molecule) {
+void mem_alloc_orbitals(Molecule* molecule) { mem_alloc_listed_orbitals(molecule, molecule->basis_count); }
+
+void mem_alloc_listed_orbitals(Molecule* molecule, unsigned listed) {
+  const unsigned count = molecule->basis_count;
   molecule->alpha_orbitals =
-      allocate_orbitals(molecule->basis_count, "cannot allocate memory for alpha molecular orbitals");
+      allocate_orbitals(count, listed, "cannot allocate memory for alpha molecular orbitals");
   if (inp_rest_scf == 0) {
     molecule->beta_orbitals =
-        allocate_orbitals(molecule->basis_count, "cannot allocate memory for beta molecular orbitals");
+        allocate_orbitals(count, listed, "cannot allocate memory for beta molecular orbitals");
   }
 }
 

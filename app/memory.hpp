@@ -50,10 +50,14 @@ void mem_init_mol(Molecule* molecule);
 void mem_alloc_atoms(Molecule* molecule);
 
 /// `basis_count` orbitals of `basis_count` zero coefficients, for both spins if inp_rest_scf is 0.
-/// The coefficient vectors of a spin lie back to back in one block, released with the first of them: orbitals
-/// that the input does not list then cost no memory, as their zeros are never touched.
+/// The coefficient vectors of a spin lie back to back in one block, released with the first of them.
 /// Without memory the run ends with "cannot allocate memory for alpha molecular orbitals" (or beta).
 void mem_alloc_orbitals(Molecule* molecule);
+
+/// The same for an input that lists only the first `listed` orbitals: all others share one vector of zeros,
+/// which nobody may change. A file of many primitives and few orbitals would else cost the square of the
+/// former.
+void mem_alloc_listed_orbitals(Molecule* molecule, unsigned listed);
 
 /// `basis_count` zeroed basis functions. Without memory the run ends with
 /// "cannot allocate memory for basis functions".

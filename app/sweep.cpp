@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <string>
 
 #include "eval.hpp"
 #include "exponential.hpp"
@@ -30,16 +32,19 @@ double zero_reach(double exponent) { return zero_argument / exponent; }
 
 // r² beyond which the terms in front of `last` round away against it; infinite if that is not certain.
 // All terms share the angular factor, so they compare as weight·exp(-exponent·r²), weight = |c·N|.
-// The ratio 1.25 of the exponents makes the head exactly 0.0 before the last term comes near the subnormal
-// numbers; the bound on the coefficients keeps their products clear of them as well.
-double head_reach(const BasisFunction* function, const double* norms, unsigned last) {
+// `lowest`: the smallest exponent in front of `last`. Its ratio of 1.25 to the last exponent makes the head
+// exactly 0.0 before the last term comes near the subnormal numbers; the bound on the coefficients keeps
+// their products clear of them as well.
+double head_reach(const BasisFunction* function, const double* norms, unsigned last, double lowest) {
+  // Few exponents of a long contraction are so far below all before them, so what follows is done for few.
+  if (!(lowest / function->exponents[last] >= 1.25)) {
+    return infinite;
+  }
   const auto magnitude = [&](unsigned i) { return std::fabs(function->coefficients[i]); };
   double reach = 0.0;
   for (unsigned i = 0; i < last; ++i) {
-    const double exponent_ratio = function->exponents[i] / function->exponents[last];
     const double weight_ratio = magnitude(i) * norms[i] / (magnitude(last) * norms[last]);
-    if (!(exponent_ratio >= 1.25 && magnitude(i) < 0x1p20 && magnitude(last) < 0x1p20 &&
-          weight_ratio < infinite)) {
+    if (!(magnitude(i) < 0x1p20 && magnitude(last) < 0x1p20 && weight_ratio < infinite)) {
       return infinite;
     }
     const double difference = function->exponents[i] - function->exponents[last];
@@ -65,12 +70,17 @@ void find_reach(const BasisFunction* function, const double* norms, std::span<Sw
   if (!is_ordinary(function, norms)) {
     return;
   }
-  const double* const exponents = function->exponents;
+  std::vector<double> lowest;  // of the exponents up to each
+  for (unsigned i = 0; i < terms.size(); ++i) {
+    lowest.push_back(std::min(function->exponents[i], i > 0 ? lowest.back() : infinite));
+  }
   double reach = infinite;
   for (auto i = static_cast<unsigned>(terms.size()); i-- > 0;) {
-    reach = std::min(reach, zero_reach(*std::min_element(exponents, exponents + i + 1)));
+    reach = std::min(reach, zero_reach(lowest[i]));
     terms[i].reach = reach;
-    reach = std::min(reach, head_reach(function, norms, i));
+    if (i > 0) {
+      reach = std::min(reach, head_reach(function, norms, i, lowest[i - 1]));
+    }
   }
 }
 
@@ -80,16 +90,6 @@ bool is_next_component(const BasisFunction& a, const BasisFunction& b) {
   return a.type == b.type && a.component + 1 == b.component && n == b.primitive_count &&
          std::equal(a.exponents, a.exponents + n, b.exponents) &&
          std::equal(a.coefficients, a.coefficients + n, b.coefficients);
-}
-
-unsigned position_of(std::vector<SweepExponential>& exponentials, std::size_t first, double exponent) {
-  for (std::size_t e = first; e < exponentials.size(); ++e) {
-    if (exponentials[e].exponent == exponent) {
-      return static_cast<unsigned>(e - first);
-    }
-  }
-  exponentials.push_back({exponent, 0.0, exponent > 0.0 ? exponential_normal_limit / exponent : 0.0});
-  return static_cast<unsigned>(exponentials.size() - 1 - first);
 }
 
 // As many points as keep the values of all basis functions within the second-level cache.
@@ -124,7 +124,11 @@ const SweepKernel& sweep_choose_kernel() {
       return *kernel;
     }
   }
-  msg_fatal_format("kernel \"%s\" is not available", wanted);
+  std::string available;
+  for (const SweepKernel* kernel : sweep_kernels()) {
+    available += kernel->is_supported() ? std::string(" ") + kernel->name : "";
+  }
+  msg_fatal_format("kernel \"%s\" is not available, only%s", wanted, available.c_str());
 }
 
 Sweep::Sweep(const Molecule* molecule, const SweepKernel& kernel, SweepField field,
@@ -145,7 +149,8 @@ Sweep::Sweep(const Molecule* molecule, const SweepKernel& kernel, SweepField fie
   }
   plan_atoms();
   plan_orbitals(orbitals);
-  active_.resize(std::size_t{kernel.block_points_max / kernel.tile_points} * plan_.shell_count);
+  // One more, so that there is some memory even without shells.
+  active_.resize(std::size_t{kernel.block_points_max / kernel.tile_points} * plan_.shell_count + 1);
   active_list_.resize(plan_.basis_count);
   fields_.resize(block_points_ * std::max<std::size_t>(orbitals.size(), 2));
 }
@@ -167,6 +172,7 @@ void Sweep::plan_atoms() {
   for (unsigned a = 0; a < molecule_->atom_count; ++a) {
     const std::size_t first_shell = shells_.size();
     const std::size_t first_exponential = exponentials_.size();
+    exponential_positions_ = {};
     std::span<const unsigned> functions = of_atom[a];
     while (!functions.empty()) {
       const std::size_t count = shell_size(functions);
@@ -216,13 +222,23 @@ std::size_t Sweep::shell_size(std::span<const unsigned> functions) const {
   return whole;
 }
 
+// The position of an exponential among those of the atom at hand. Exponents are the same if their bits are.
+unsigned Sweep::position_of(double exponent) {
+  const auto next = static_cast<unsigned>(exponential_positions_.size());
+  const auto [entry, is_new] = exponential_positions_.emplace(std::bit_cast<std::uint64_t>(exponent), next);
+  if (is_new) {
+    exponentials_.push_back({exponent, 0.0, exponent > 0.0 ? exponential_normal_limit / exponent : 0.0});
+  }
+  return entry->second;
+}
+
 void Sweep::plan_shell(std::span<const unsigned> functions, std::size_t first_exponential) {
   const BasisFunction* const function = &molecule_->basis[functions[0]];
   const std::size_t first_term = terms_.size();
   const std::size_t first_norm = norms_.size();
   std::vector<double> norms;  // of the first function
   for (unsigned i = 0; i < function->primitive_count; ++i) {
-    terms_.push_back({infinite, position_of(exponentials_, first_exponential, function->exponents[i])});
+    terms_.push_back({infinite, position_of(function->exponents[i])});
     for (const unsigned b : functions) {
       norms_.push_back(norm_fce(&molecule_->basis[b], i));
     }

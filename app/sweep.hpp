@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
+#include <unordered_map>
 #include <vector>
 
 #include "memory.hpp"
@@ -94,7 +96,8 @@ struct SweepKernel {
 std::span<const SweepKernel* const> sweep_kernels();
 
 /// The widest kernel that the processor has, or the one named by the environment variable ORVA_KERNEL.
-/// A name that is unknown or not for this processor ends the run with "kernel \"%s\" is not available".
+/// A name that is unknown or not for this processor ends the run with "kernel \"%s\" is not available, only
+/// ...", which lists those that are.
 const SweepKernel& sweep_choose_kernel();
 
 /// The plan of a sweep, with all that it points to, and its working memory.
@@ -124,6 +127,7 @@ class Sweep {
   void plan_atoms();
   std::size_t shell_size(std::span<const unsigned> functions) const;
   void number_shells();
+  unsigned position_of(double exponent);
   void plan_shell(std::span<const unsigned> functions, std::size_t first_exponential);
   void plan_orbitals(std::span<const Orbital* const> orbitals);
 
@@ -137,6 +141,7 @@ class Sweep {
   std::vector<SweepTerm> terms_;
   std::vector<double> norms_;
   std::vector<SweepExponential> exponentials_;
+  std::unordered_map<std::uint64_t, unsigned> exponential_positions_;  // of the atom at hand, by its bits
   std::vector<SweepOrbitals> groups_;
   std::vector<double> coefficients_, energies_;
   std::vector<double> exponential_values_, fields_;

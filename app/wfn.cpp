@@ -144,8 +144,13 @@ void wfn_read_atoms(Molecule* molecule, Reader& reader) {
     }
     atom.atomic_number = atom_num(atom.symbol);
     const char* text = from_column(line, coordinate_column);
-    if (std::sscanf(text, "%lf%lf%lf", &atom.coord[0], &atom.coord[1], &atom.coord[2]) != 3) {
-      msg_fatal("cannot read atomic coordinates");
+    for (double& coordinate : atom.coord) {
+      text = str_fortran_real(text, &coordinate);
+      // A number that fills its columns may touch the next: a second decimal point shows that it has taken
+      // digits of its neighbour.
+      if (text == nullptr || *text == '.') {
+        msg_fatal("cannot read atomic coordinates");
+      }
     }
   }
 }
@@ -202,17 +207,23 @@ void wfn_basis_reorder(Molecule* molecule, const unsigned* centres, const unsign
 }
 
 void wfn_read_orbitals(Molecule* molecule, Reader& reader) {
-  mem_alloc_orbitals(molecule);
-  for (unsigned i = 0; i < molecule->electron_count / 2; ++i) {
+  constexpr const char* no_coefficient = "cannot read molecular orbital coefficients";
+  const unsigned orbital_count = molecule->electron_count / 2;
+  mem_alloc_listed_orbitals(molecule, orbital_count);
+  for (unsigned i = 0; i < orbital_count; ++i) {
     Orbital& orbital = molecule->alpha_orbitals[i];
     // The rest of the line on which the numbers before it ended.
     read_line(reader, "unexpected end of WFN file while reading MO coefficients");
     const Line header = read_line(reader, "unexpected end of file while reading molecular orbitals");
-    if (std::sscanf(from_column(header, energy_column), "%lf", &orbital.energy) != 1) {
+    if (str_fortran_real(from_column(header, energy_column), &orbital.energy) == nullptr) {
       msg_fatal("cannot read molecular orbital energy");
     }
     for (unsigned j = 0; j < molecule->basis_count; ++j) {
-      orbital.coefficients[j] = read_real(reader, "cannot read molecular orbital coefficients");
+      orbital.coefficients[j] = read_real(reader, no_coefficient);
     }
+  }
+  // The last number needs a line end behind it: it may have been cut off.
+  if (orbital_count > 0 && reader.is_at_end()) {
+    msg_fatal(no_coefficient);
   }
 }

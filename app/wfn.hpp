@@ -7,7 +7,8 @@ struct Molecule;
 
 /// Fills a molecule that mem_init_mol has cleared from the WFN file named by glob_file_input, and sets
 /// inp_rest_scf to 1. Every primitive becomes a basis function with the contraction coefficient 1. Lengths
-/// are in bohr, energies in hartree, as in the file. Whatever is missing or not a number ends the run.
+/// are in bohr, energies in hartree, as in the file. Whatever is missing, cut off or not a number ends the
+/// run.
 void wfn_read(Molecule* molecule);
 
 // The sections of the file, in this order. Each ends the run with a message of its own.

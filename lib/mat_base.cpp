@@ -7,6 +7,9 @@ namespace {
 template <class Element>
 Element** allocate_matrix(unsigned columns, unsigned length, const char* failure,
                           const char* column_failure) {
+  // Asked for as a whole, what the system could never give is refused. Column by column it would be promised,
+  // and the process be killed on using it.
+  std::free(allocate<Element>(std::size_t{columns} * length, column_failure));
   Element** matrix = allocate<Element*>(columns, failure);
   for (unsigned i = 0; i < columns; ++i) {
     matrix[i] = allocate<Element>(length, column_failure);

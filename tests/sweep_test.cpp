@@ -112,7 +112,11 @@ TEST(Sweep, WritesTheTextOfThePointByPointFunctionsWithEveryKernel) {
     expect_same_text(*read_text(fcheck_read, fchk_text(empty)));
   }
   setenv("ORVA_KERNEL", "abacus", 1);
-  expect_error([] { sweep_choose_kernel(); }, "kernel \"abacus\" is not available");
+  std::string names;
+  for (const SweepKernel* kernel : supported_kernels()) {
+    names += std::string(" ") + kernel->name;
+  }
+  expect_error([] { sweep_choose_kernel(); }, "kernel \"abacus\" is not available, only" + names);
   unsetenv("ORVA_KERNEL");
 }
 
@@ -193,7 +197,7 @@ TEST(Sweep, UndefinedPointsHaveNoDensity) {
 TEST(Sweep, BlocksOfOrbitalsHaveTheValuesOfSingleOnes) {
   const auto molecule = read_text(fcheck_read, fchk_text(every_shell("UHF")));
   const CubeDefinition& cube = grids[0];
-  OrbitalValues values = comp_orbital_alloc(&cube, 9);
+  OrbitalValues values = comp_orbital_alloc(&cube, 9, 70);
   comp_orbital_values(molecule.get(), &cube, molecule->beta_orbitals + 1, 9, &values);
   for (std::int16_t orbital = 2; orbital <= 10; ++orbital) {
     EXPECT_EQ(written([&](std::FILE* stream) {
@@ -201,10 +205,13 @@ TEST(Sweep, BlocksOfOrbitalsHaveTheValuesOfSingleOnes) {
               }),
               text_of_points(*molecule, cube, 201, orbital, false));
   }
-  const CubeDefinition big = {{400, 400, 400}, {}, {}};
-  EXPECT_EQ(comp_orbital_block(&big), 0U);
-  const CubeDefinition usual = {{80, 80, 80}, {}, {}};
-  EXPECT_EQ(comp_orbital_alloc(&usual, 900).orbital_count, 16U);
+  const std::tuple<std::array<unsigned, 3>, unsigned, unsigned> rows[] = {
+      {{80, 80, 80}, 0, 16},    {{400, 400, 400}, 0, 0},        {{200, 200, 200}, 0, 0}, {{0, 9, 9}, 9, 900},
+      {{1, 1, 1}, 1U << 20, 7}, {{1, 1, 1}, (1U << 22) - 1, 2}, {{1, 1, 1}, 1U << 22, 0}};
+  for (const auto& [npoints, basis_count, orbital_count] : rows) {
+    const CubeDefinition shape = {{npoints[0], npoints[1], npoints[2]}, {}, {}};
+    EXPECT_EQ(comp_orbital_alloc(&shape, 900, basis_count).orbital_count, orbital_count) << basis_count;
+  }
 }
 
 TEST(ScientificText, IsThatOfPrintf) {
