@@ -151,9 +151,11 @@ void read_point_counts(Reader* stream, CubeDefinition* cube) {
 void conf_read(CubeDefinition* cube) {
   std::FILE* file = open_if_file(glob_file_config);
   if (file == nullptr) {
-    file = open_if_file(default_config);
+    std::strcpy(glob_file_config, default_config);
+    file = open_if_file(glob_file_config);
   }
   if (file == nullptr) {
+    glob_file_config[0] = '\0';
     if (arg_warning != 0) {
       msg_warn("config file not found, using default setting");
     }

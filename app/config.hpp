@@ -9,6 +9,7 @@
 
 /// Reads glob_file_config, or "config" if that cannot be opened, into the settings, and an explicit grid into
 /// `cube` (bohr). Without either file the defaults stay in force, with a warning if arg_warning is set.
+/// Afterwards glob_file_config names the file that was read; it is empty if there was none.
 /// The first bad line ends the run.
 void conf_read(CubeDefinition* cube);
 

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <string>
+#include <limits>
+#include <span>
 
 #include "atom.hpp"
 #include "comp.hpp"
@@ -10,6 +11,7 @@
 #include "file.hpp"
 #include "message.hpp"
 #include "setup.hpp"
+#include "sweep.hpp"
 
 namespace {
 
@@ -84,29 +86,39 @@ std::string orbital_file_name(std::int16_t code, unsigned number) {
   return std::string(glob_cube_file_orb) + '.' + std::to_string(number) + (code == 201 ? 'b' : 'a');
 }
 
+// The codes of the orbitals' files: alpha, and beta of an unrestricted wavefunction.
+std::span<const std::int16_t> orbital_codes() {
+  static constexpr std::array<std::int16_t, 2> codes = {101, 201};
+  return std::span(codes).first(inp_rest_scf != 0 ? 1 : 2);
+}
+
+std::string moden_file_name() {
+  return std::string(glob_cube_file_mod) + '.' + std::to_string(conf_cube_moden) + 'a';
+}
+
 // One file per orbital of a spin. Where memory allows, the orbitals are evaluated in blocks, so that the
-// basis functions are evaluated once for many files.
+// basis functions are evaluated once for many files. The first file of a block is open by then: a name that
+// cannot be opened need not wait for the block.
 void write_all_orbitals(const Molecule* molecule, const CubeDefinition* cube, std::FILE* report,
                         std::int16_t code) {
   const unsigned orbital_count = molecule->basis_count;
-  if (comp_orbital_block(cube) < 2) {
-    for (unsigned n = 1; n <= orbital_count; ++n) {
-      cube_write_file(molecule, cube, report, orbital_file_name(code, n).c_str(), code,
-                      static_cast<std::int16_t>(n));
-    }
-    return;
-  }
   const Orbital* const orbitals = code == 201 ? molecule->beta_orbitals : molecule->alpha_orbitals;
-  OrbitalValues values = comp_orbital_alloc(cube, orbital_count);
-  for (unsigned first = 0; first < orbital_count; first += values.orbital_count) {
-    const unsigned count = std::min(values.orbital_count, orbital_count - first);
-    comp_orbital_values(molecule, cube, orbitals + first, count, &values);
-    for (unsigned i = 0; i < count; ++i) {
-      const unsigned n = first + i + 1;
-      write_file(molecule, cube, report, orbital_file_name(code, n).c_str(), code,
-                 static_cast<std::int16_t>(n),
-                 [&](std::FILE* stream, std::FILE*) { comp_write_values(cube, values.of(i), stream); });
+  OrbitalValues block = comp_orbital_alloc(cube, orbital_count, molecule->basis_count);
+  for (unsigned i = 0; i < orbital_count; ++i) {
+    const std::string name = orbital_file_name(code, i + 1);
+    const auto number = static_cast<std::int16_t>(i + 1);
+    if (block.orbital_count == 0) {
+      cube_write_file(molecule, cube, report, name.c_str(), code, number);
+      continue;
     }
+    const unsigned place = i % block.orbital_count;
+    write_file(molecule, cube, report, name.c_str(), code, number, [&](std::FILE* stream, std::FILE*) {
+      if (place == 0) {
+        comp_orbital_values(molecule, cube, orbitals + i, std::min(block.orbital_count, orbital_count - i),
+                            &block);
+      }
+      comp_write_values(cube, block.of(place), stream);
+    });
   }
 }
 
@@ -194,16 +206,46 @@ void cube_print_params(const Molecule* molecule, const CubeDefinition* cube, std
 }
 
 void cube_check(const Molecule* molecule, std::int16_t code) {
-  if (code != 31 && code != 42) {
-    return;
+  constexpr std::int16_t number_max = std::numeric_limits<std::int16_t>::max();
+  if (code == 21 && molecule->basis_count > unsigned{number_max}) {
+    msg_fatal_format("invalid value in config file - at most %d orbitals can be written one file each",
+                     number_max);
   }
-  const std::int16_t orbital = code == 31 ? conf_cube_onesp : conf_cube_moden;
-  if (orbital < 1 || static_cast<unsigned>(orbital) > molecule->basis_count) {
-    msg_fatal_format("invalid value in config file - number of orbital from 1 to %u expected",
-                     molecule->basis_count);
+  if (code == 31 || code == 42) {
+    const std::int16_t orbital = code == 31 ? conf_cube_onesp : conf_cube_moden;
+    if (orbital < 1 || static_cast<unsigned>(orbital) > molecule->basis_count) {
+      msg_fatal_format("invalid value in config file - number of orbital from 1 to %u expected",
+                       molecule->basis_count);
+    }
   }
   if (code == 31 && conf_cube_onety != 0 && inp_rest_scf != 0) {
     msg_fatal("invalid value in config file - no beta orbitals in restricted wavefunction");
+  }
+  sweep_choose_kernel();
+}
+
+std::vector<std::string> cube_file_names(const Molecule* molecule, std::int16_t code) {
+  std::vector<std::string> names;
+  switch (code) {
+    case 10:
+      return {glob_cube_file_tot};
+    case 21:
+      for (const std::int16_t spin : orbital_codes()) {
+        for (unsigned n = 1; n <= molecule->basis_count; ++n) {
+          names.push_back(orbital_file_name(spin, n));
+        }
+      }
+      return names;
+    case 31:
+      return {glob_cube_file_orb};
+    case 42:
+      return {moden_file_name()};
+    case 50:
+      return {glob_cube_file_tot, glob_cube_file_orva};
+    case 63:
+      return {glob_cube_file_orva};
+    default:
+      return names;
   }
 }
 
@@ -222,21 +264,17 @@ void cube_write(const Molecule* molecule, const CubeDefinition* cube, std::FILE*
       cube_write_file(molecule, cube, report, glob_cube_file_tot, code, 0);
       break;
     case 21:
-      write_all_orbitals(molecule, cube, report, 101);
-      if (inp_rest_scf == 0) {
-        write_all_orbitals(molecule, cube, report, 201);
+      for (const std::int16_t spin : orbital_codes()) {
+        write_all_orbitals(molecule, cube, report, spin);
       }
       break;
     case 31:
       cube_write_file(molecule, cube, report, glob_cube_file_orb, conf_cube_onety != 0 ? 201 : 101,
                       conf_cube_onesp);
       break;
-    case 42: {
-      char name[1024];
-      std::snprintf(name, sizeof name, "%s.%da", glob_cube_file_mod, conf_cube_moden);
-      cube_write_file(molecule, cube, report, name, code, conf_cube_moden);
+    case 42:
+      cube_write_file(molecule, cube, report, moden_file_name().c_str(), code, conf_cube_moden);
       break;
-    }
     case 63:
       cube_write_file(molecule, cube, report, glob_cube_file_orva, code, 0);
       break;

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <string>
+#include <vector>
 
 #include "memory.hpp"
 
@@ -39,9 +41,13 @@ void cube_coord_extrem(const Molecule* molecule, double* min, double* max, unsig
 /// if warnings are on and the run is not quiet.
 double cube_atom_radius(unsigned atomic_number);
 
-/// Ends the run if the settings ask for an orbital that the wavefunction does not have: for the codes 31 and
-/// 42, a number outside 1 to basis_count, or a beta orbital of a restricted wavefunction.
+/// Ends the run if the files of a kind of field cannot be written, whatever the files are: for the codes 31
+/// and 42, an orbital's number outside 1 to basis_count, or a beta orbital of a restricted wavefunction; for
+/// code 21, more orbitals than 16 bits can number; a kernel that is not available.
 void cube_check(const Molecule* molecule, std::int16_t code);
+
+/// The names of all files that cube_write writes for a code.
+std::vector<std::string> cube_file_names(const Molecule* molecule, std::int16_t code);
 
 /// Writes the cube file or files of a kind of field: 10 total density, 21 all orbitals, 31 one orbital,
 /// 42 density of one orbital, 50 local ionization potential and total density, 63 local ionization

@@ -1,15 +1,19 @@
 #include <cstdio>
+#include <new>
 
 #include "config.hpp"
 #include "cube.hpp"
 #include "fcheck.hpp"
+#include "file.hpp"
 #include "memory.hpp"
+#include "message.hpp"
 #include "options.hpp"
 #include "report.hpp"
 #include "setup.hpp"
 #include "wfn.hpp"
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
+  file_keep_standard_streams();
   argument(argc, argv);
 
   CubeDefinition cube;
@@ -34,5 +38,7 @@ int main(int argc, char** argv) {
 
   close_output(report.stream);
   mem_clean(&molecule, report.distances);
-  return 0;
+  return file_is_any_incomplete() ? 1 : 0;
+} catch (const std::bad_alloc&) {
+  msg_fatal("cannot allocate memory");
 }

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "arg.hpp"
+#include "file.hpp"
 #include "help.hpp"
 #include "message.hpp"
 #include "sample.hpp"
@@ -80,7 +81,7 @@ void argument(int argc, char** argv) {
     } else {
       conf_print_verbose();
     }
-    std::exit(0);
+    std::exit(file_is_any_incomplete() ? 1 : 0);
   }
   check_lengths(argc, argv);
   check_input_format(format);

@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdint>
 #include <span>
+#include <string>
+#include <vector>
 
 #include "basis.hpp"
 #include "coord.hpp"
@@ -98,10 +100,36 @@ bool is_asked_for(const CubeField& field) {
   return std::ranges::all_of(field.flags, [](auto* flag) { return flag == nullptr || *flag != 0; });
 }
 
-// The code of the first field that is asked for; 0 if there is none.
-std::int16_t first_code(std::span<const CubeField> fields) {
-  const auto field = std::ranges::find_if(fields, is_asked_for);
-  return conf_print_cube != 0 && field != fields.end() ? field->code : std::int16_t{0};
+// The codes of the fields to write, in this order: the first of each kind that is asked for.
+std::vector<std::int16_t> wanted_codes() {
+  std::vector<std::int16_t> codes;
+  for (const std::span<const CubeField> fields :
+       {std::span<const CubeField>(orbital_fields), std::span<const CubeField>(density_fields)}) {
+    const auto field = std::ranges::find_if(fields, is_asked_for);
+    if (conf_print_cube != 0 && field != fields.end()) {
+      codes.push_back(field->code);
+    }
+  }
+  return codes;
+}
+
+// All files of the run.
+std::vector<NamedFile> files_of_run(const Molecule* molecule) {
+  std::vector<NamedFile> files = {{"input file", glob_file_input}};
+  if (glob_file_config[0] != '\0') {
+    files.push_back({"configuration file", glob_file_config});
+  }
+  if (glob_file_output[0] != '\0') {
+    files.push_back({"report", glob_file_output});
+  } else if (arg_quiet == 0) {
+    files.push_back({"report", "/dev/stdout"});
+  }
+  for (const std::int16_t code : wanted_codes()) {
+    for (const std::string& name : cube_file_names(molecule, code)) {
+      files.push_back({"cube file", name});
+    }
+  }
+  return files;
 }
 
 }  // namespace
@@ -111,9 +139,8 @@ std::FILE* set_output() { return glob_file_output[0] != '\0' ? file_open(glob_fi
 void close_output(std::FILE* stream) {
   if (stream != stdout) {
     file_close(stream);
-  } else if (std::fflush(stream) != 0 || std::ferror(stream) != 0) {
-    // The only message beside standard output, which has just failed.
-    std::fputs("warning: file closing failured\n", stderr);
+  } else {
+    file_flush_output();
   }
 }
 
@@ -138,7 +165,12 @@ void report_listings(Report* report) {
   }
 }
 
-void report_check(const Molecule* molecule) { cube_check(molecule, first_code(orbital_fields)); }
+void report_check(const Molecule* molecule) {
+  for (const std::int16_t code : wanted_codes()) {
+    cube_check(molecule, code);
+  }
+  file_check_distinct(files_of_run(molecule));
+}
 
 void report_cubes(const Report& report) {
   if (conf_print_cube == 0) {
@@ -147,7 +179,7 @@ void report_cubes(const Report& report) {
   if (arg_quiet == 0) {
     std::fputc('\n', report.stream);
   }
-  for (const std::int16_t code : {first_code(orbital_fields), first_code(density_fields)}) {
+  for (const std::int16_t code : wanted_codes()) {
     cube_write(report.molecule, report.cube, report.stream, code);
   }
 }

@@ -30,7 +30,8 @@ void report_banner(const Report& report);
 /// Makes the distance matrix when the first listing needs it.
 void report_listings(Report* report);
 
-/// Ends the run if the settings ask for the cube file of an orbital that the wavefunction does not have.
+/// Ends the run, before any file is opened for writing, if the settings ask for what cannot be done (see
+/// cube_check), or if two of the files that the run reads and writes are the same one.
 void report_check(const Molecule* molecule);
 
 /// Writes the cube files that the settings ask for, quiet or not: at most one kind of orbital file and one

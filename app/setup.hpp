@@ -8,7 +8,7 @@ inline constexpr unsigned file_name_size = 256;  // of every file name buffer, t
 
 // Set by the command line.
 extern char glob_file_input[file_name_size];
-extern char glob_file_config[file_name_size];
+extern char glob_file_config[file_name_size];  // after conf_read: the one that was read, empty if none
 extern char glob_file_output[file_name_size];  // empty: standard output
 extern std::int16_t arg_quiet;
 extern std::int16_t arg_warning;

@@ -1,16 +1,26 @@
 #include "file.hpp"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <compare>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <system_error>
 
 #include "message.hpp"
 
 namespace {
 
 constexpr std::size_t text_size = 256;
+constexpr unsigned links_max = 40;  // as many as the system follows
+
+constexpr const char* not_written = "file closing failured";
+bool any_incomplete = false;
 
 struct Reason {
   int number;
@@ -41,6 +51,38 @@ Reason find_reason(int number) {
   return found != reasons.end() ? *found : Reason{number, "", unknown_error};
 }
 
+// What distinguishes a file from others: device and number where it exists; where it does not, those of the
+// directory and the name in it.
+struct Identity {
+  dev_t device;
+  ino_t number;
+  std::string name;
+  auto operator<=>(const Identity&) const = default;
+};
+
+// Nothing for what is neither a regular file nor could become one: devices, pipes, directories, and names in
+// directories that do not exist.
+std::optional<Identity> identity_of(const std::string& path) {
+  struct stat status;
+  if (stat(path.c_str(), &status) == 0) {
+    return S_ISREG(status.st_mode) ? std::optional(Identity{status.st_dev, status.st_ino, ""}) : std::nullopt;
+  }
+  // The last of a chain of symbolic links tells where a file would be created.
+  std::filesystem::path place = path;
+  std::error_code error;
+  for (unsigned links = 0; std::filesystem::is_symlink(place, error); ++links) {
+    if (links == links_max) {
+      return std::nullopt;
+    }
+    place = place.parent_path() / std::filesystem::read_symlink(place, error);
+  }
+  const std::filesystem::path directory = place.has_parent_path() ? place.parent_path() : ".";
+  if (stat(directory.c_str(), &status) != 0) {
+    return std::nullopt;
+  }
+  return Identity{status.st_dev, status.st_ino, place.filename()};
+}
+
 }  // namespace
 
 std::FILE* file_open(const char* path, const char* mode) {
@@ -54,9 +96,47 @@ std::FILE* file_open(const char* path, const char* mode) {
 }
 
 void file_close(std::FILE* stream) {
+  const int descriptor = fileno(stream);  // none of a stream in memory
+  const bool is_read_only = descriptor >= 0 && (fcntl(descriptor, F_GETFL) & O_ACCMODE) == O_RDONLY;
   const bool write_failed = std::ferror(stream) != 0;
-  if (std::fclose(stream) != 0 || write_failed) {
-    msg_warn("file closing failured");
+  const bool close_failed = std::fclose(stream) != 0;
+  if (!is_read_only && (write_failed || close_failed)) {
+    msg_warn(not_written);
+    any_incomplete = true;
+  }
+}
+
+void file_flush_output() {
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    // The only message beside standard output, which has just failed.
+    std::fprintf(stderr, "warning: %s\n", not_written);
+    any_incomplete = true;
+  }
+}
+
+bool file_is_any_incomplete() { return any_incomplete; }
+
+void file_keep_standard_streams() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(descriptor, F_GETFD) < 0) {
+      open("/dev/null", O_RDONLY);  // takes the lowest free descriptor: this one
+    }
+  }
+}
+
+void file_check_distinct(std::span<const NamedFile> files) {
+  std::map<Identity, const NamedFile*> known;
+  for (const NamedFile& file : files) {
+    const auto identity = identity_of(file.path);
+    if (!identity) {
+      continue;
+    }
+    const auto [entry, is_new] = known.emplace(*identity, &file);
+    if (!is_new) {
+      const NamedFile& other = *entry->second;
+      msg_fatal_format("%s \"%s\" and %s \"%s\" are the same file", other.role, other.path.c_str(), file.role,
+                       file.path.c_str());
+    }
   }
 }
 

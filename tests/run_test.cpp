@@ -3,23 +3,29 @@
 #include <sys/wait.h>
 
 #include <algorithm>
+#include <numeric>
 #include <set>
 
 #include "basis.hpp"
+#include "cube.hpp"
 #include "memory.hpp"
 #include "orbit.hpp"
 #include "small_files.hpp"
 
 namespace {
 
-/// Status and output (standard output and standard error) of the program, run in `directory`; `arguments` are
-/// words of the shell.
-std::pair<int, std::string> run(const Scratch& directory, const std::string& arguments) {
-  const std::string program = "cd " + directory.path().string() + " && " ORVA_PROGRAM " ";
-  const int status = std::system((program + arguments + " >.output 2>&1").c_str());
+/// Status and output (standard output and standard error) of a command of the shell, run in `directory`.
+std::pair<int, std::string> run_command(const Scratch& directory, const std::string& command) {
+  const std::string in_directory = "cd " + directory.path().string() + " && ";
+  const int status = std::system((in_directory + "(" + command + ") >.output 2>&1").c_str());
   const std::string output = read_file(directory / ".output");
   std::filesystem::remove(directory / ".output");
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+}
+
+/// The same of the program; `arguments` are words of the shell.
+std::pair<int, std::string> run(const Scratch& directory, const std::string& arguments) {
+  return run_command(directory, ORVA_PROGRAM " " + arguments);
 }
 
 std::set<std::string> files(const Scratch& directory) {
@@ -145,6 +151,130 @@ TEST_F(Run, OutputFileIsLeftAloneUntilTheInputIsRead) {
   EXPECT_EQ(read_file(here / "report"), "");
   EXPECT_EQ(report(listings + "PRINT_CUBE 0", run_lih + "-c none"), banner + closing);  // "config" is read
 }
+
+TEST_F(Run, NoTwoFilesOfARunAreTheSame) {
+  const std::string same = " are the same file\n", all = "CUBE_ALL_MO 1\nCUBE_FILE_ORBITAL ";
+  const std::string input = "error: input file \"lih.fchk\" and ", density = "cube file \"out.tot\" and ";
+  write_file(here / "hard.1b", ""), write_file(here / "other", "");
+  std::filesystem::create_hard_link(here / "lih.fchk", here / "hard");
+  std::filesystem::create_symlink("new", here / "ahead");
+  std::filesystem::create_symlink("loop", here / "loop");
+  std::filesystem::create_symlink("set", here / "soft.2a");
+  const std::tuple<std::string, std::string, std::string> rows[] = {
+      {"", "-o lih.fchk", input + "report \"lih.fchk\""},
+      {"", "-o ./hard", input + "report \"./hard\""},
+      {"", "-o set", "error: configuration file \"set\" and report \"set\""},
+      {"CUBE_FILE_ORVA hard", "", input + "cube file \"hard\""},
+      {"CUBE_FILE_ORVA ./out.tot", "", "error: " + density + "cube file \"./out.tot\""},
+      {"", "-o out.tot", "error: report \"out.tot\" and cube file \"out.tot\""},
+      {"CUBE_FILE_ORVA ahead\nCUBE_FILE_DENSITY new", "", "error: cube file \"new\" and cube file \"ahead\""},
+      {all + "soft", "", "error: configuration file \"set\" and cube file \"soft.2a\""},
+      {all + "hard\nCUBE_FILE_ORVA hard.1b", "", "error: cube file \"hard.1b\" and cube file \"hard.1b\""},
+      {"CUBE_ONE_MODEN 3\nCUBE_FILE_MODEN m\nCUBE_FILE_DENSITY m.3a", "",
+       "error: cube file \"m.3a\" and cube file \"m.3a\""},
+      {"CUBE_FILE_DENSITY .output", "", "error: report \"/dev/stdout\" and cube file \".output\""},
+  };
+  for (const auto& [config, arguments, message] : rows) {
+    write_file(here / "set", config);
+    const auto before = files(here);
+    EXPECT_EQ(run(here, run_lih + "-c set " + arguments), std::pair(1, message + same));
+    EXPECT_EQ(files(here), before) << message;
+    EXPECT_EQ(read_file(here / "set") + read_file(here / "lih.fchk"), config + lithium_hydride());
+  }
+  // What is not written, or is no file, may have any name.
+  const std::string allowed[] = {"PRINT_CUBE 0\nCUBE_FILE_ORVA lih.fchk", "CUBE_FILE_ORBITAL lih.fchk",
+                                 "CUBE_FILE_ORVA /dev/null\nCUBE_FILE_DENSITY /dev/null",
+                                 "CUBE_FILE_ORVA new\nCUBE_FILE_DENSITY loop.tot"};
+  for (const std::string& config : allowed) {
+    write_file(here / "set", grid + config);
+    EXPECT_EQ(run(here, run_lih + "-q -c set"), std::pair(0, std::string())) << config;
+  }
+}
+
+TEST_F(Run, StatusIsZeroForACompleteRunOnly) {
+  const std::string lost = "warning: file closing failured\n", program = ORVA_PROGRAM " ";
+  const std::tuple<std::string, std::string, int, std::string> rows[] = {
+      {"CUBE_FILE_ORVA /dev/full", program + run_lih + "-q", 1, lost},
+      {"", program + run_lih + "-o /dev/full", 1, lost},
+      {"", program + run_lih + ">/dev/full", 1, lost},
+      {"", program + run_lih + ">&- 2>&-", 1, ""},
+      {"", program + run_lih + "-q >/dev/full", 0, ""},
+      {"", program + run_lih + "-q >&- 2>&- <&-", 0, ""},
+      {"", program + run_lih + "-o report >&-", 0, ""},
+      {"", "rm config; ln -s /dev/full config; " + program + "-p", 1,
+       lost + "sample config file \"config\" has been written\n"},
+  };
+  for (const auto& [config, command, status, output] : rows) {
+    write_file(here / "config", grid + config);
+    EXPECT_EQ(run_command(here, command), std::pair(status, output)) << command;
+  }
+  EXPECT_EQ(read_file(here / "out.tot").substr(0, 17), " lithium hydride\n");
+}
+
+TEST_F(Run, WhatCannotBeDoneIsRefusedBeforeAFileIsOpened) {
+  for (const std::string name : {"out.tot", "out.orb", "report"}) {
+    write_file(here / name, "of an earlier run\n");
+  }
+  const std::string set_kernel = "ORVA_KERNEL=abacus ", go = ORVA_PROGRAM " -o report " + run_lih;
+  const std::tuple<std::string, std::string, std::string> rows[] = {
+      {"", set_kernel + go, "error: kernel \"abacus\" is not available, only "},
+      {"CUBE_ONE_MO 1", go, "error: invalid value in config file - number of orbital from 1 to 5 expected\n"},
+      {"CUBE_ONE_MODEN 6", go,
+       "error: invalid value in config file - number of orbital from 1 to 5 expected\n"},
+  };
+  for (const auto& [config, command, message] : rows) {
+    write_file(here / "config", config);
+    const auto [status, output] = run_command(here, command);
+    EXPECT_EQ(std::pair(status, output.substr(0, message.size())), std::pair(1, message));
+    EXPECT_EQ(read_file(here / "out.tot") + read_file(here / "out.orb") + read_file(here / "report"),
+              "of an earlier run\nof an earlier run\nof an earlier run\n");
+  }
+  report("PRINT_CUBE 0\nCUBE_ONE_MO 1");
+  // A name that cannot be opened is told before a block of orbitals is evaluated.
+  std::filesystem::create_directory(here / "d.3a");
+  write_file(here / "config", grid + "CUBE_ALL_MO 1\nCUBE_FILE_ORBITAL d");
+  EXPECT_EQ(run(here, "-q " + run_lih), std::pair(1, std::string("error: cannot open file \"d.3a\"\n")));
+  Molecule molecule{};
+  molecule.basis_count = 32768;
+  expect_error([&] { cube_check(&molecule, 21); },
+               "invalid value in config file - at most 32767 orbitals can be written one file each");
+  molecule.basis_count = 32767;
+  cube_check(&molecule, 21);
+}
+
+#if !defined(__SANITIZE_ADDRESS__)  // which takes more memory than there is here
+TEST_F(Run, MemoryThatIsMissingIsAnErrorLine) {
+  // Without memory for a block of orbitals they are written one by one.
+  const std::string large = "DEFINE_CUBE 1\n0 0 0\n1 0 0\n0 1 0\n0 0 1\n1 1000 1000\n";
+  write_file(here / "config", large + "CUBE_ALL_MO 1\nCUBE_ORVA 0\nCUBE_TOT_DENSITY 0");
+  const std::string go = ORVA_PROGRAM " -q " + run_lih;
+  ASSERT_EQ(run_command(here, go), std::pair(0, std::string()));
+  std::filesystem::rename(here / "out.orb.5b", here / "expected");
+  EXPECT_EQ(run_command(here, "ulimit -v 30000; " + go), std::pair(0, std::string()));
+  EXPECT_EQ(read_file(here / "out.orb.5b"), read_file(here / "expected"));
+
+  SmallFchk fields;
+  fields.shells = {{-4, 1, Numbers(60000), Numbers(60000, 1.0), {}}};
+  std::iota(fields.shells[0].exponents.begin(), fields.shells[0].exponents.end(), 1.0);
+  write_file(here / "long.fchk", fchk_text(fields));
+  write_file(here / "config", "PRINT_SHELL 0");
+  const auto [status, output] =
+      run_command(here, "ulimit -v 40000; " ORVA_PROGRAM " -q -i long.fchk -t fchk");
+  EXPECT_EQ(std::pair(status, output), std::pair(1, std::string("error: cannot allocate memory\n")));
+
+  std::string text =
+      "many primitives\n" + formatted("%18d", 1) + formatted("%24d", 20000) + formatted("%18d\n", 1);
+  text += "  H                     0.0 0.0 0.0\n" +
+          lines_of(Numbers(20000, 1), "%3.0f", 20, "CENTRE ASSIGNMENTS  ");
+  text += lines_of(Numbers(20000, 1), "%3.0f", 20, "TYPE ASSIGNMENTS    ");
+  text += lines_of(Numbers(20000, 0.5), "%14.7E", 5, "EXPONENTS ") + std::string(63, ' ') + "-0.5\n";
+  text += lines_of(Numbers(20000, 0.1), "%16.8E", 5) + "END DATA\n";
+  write_file(here / "many.wfn", text);
+  write_file(here / "config", grid + "CUBE_ONE_MO 1\nCUBE_ONE_SPEC 20000");
+  EXPECT_EQ(run_command(here, "ulimit -v 100000; " ORVA_PROGRAM " -q -i many.wfn -t wfn"),
+            std::pair(0, std::string()));
+}
+#endif
 
 const std::string usage =
     "usage: orva [-qwpP] [-c <config_file>] [-o <output_file>] -i <input_file> -t <input_format>\n";
