@@ -5,12 +5,11 @@
 
 double** dmat_alloc(const Molecule* molecule) {
   const unsigned n = molecule->atom_count;
-  double** distances = mat_falloc(n, n);  // zero-filled, the diagonal too
+  double** distances = mat_falloc(n, n);
+  // Row by row, both halves: to compute a distance again costs less than to store it far away.
   for (unsigned i = 0; i < n; ++i) {
-    for (unsigned j = 0; j < i; ++j) {
-      const double distance = dist_r(molecule->atoms[i].coord, molecule->atoms[j].coord, 3);
-      distances[i][j] = distance;
-      distances[j][i] = distance;
+    for (unsigned j = 0; j < n; ++j) {
+      distances[i][j] = dist_r(molecule->atoms[i].coord, molecule->atoms[j].coord, 3);
     }
   }
   return distances;

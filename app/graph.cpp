@@ -47,7 +47,7 @@ std::vector<Pair> grow_tree(const double* const* distances, unsigned n) {
   for (unsigned newest = 0; !outside.empty();) {
     auto best = outside.begin();
     for (auto atom = outside.begin(); atom != outside.end(); ++atom) {
-      const Pair pair = pair_of(distances, *atom, newest);
+      const Pair pair = pair_of(distances, newest, *atom);
       if (is_in_reach(pair) && pair.is_nearer(nearest[*atom])) {
         nearest[*atom] = pair;
       }

@@ -260,7 +260,7 @@ void Sweep::plan_shell(std::span<const unsigned> functions, std::size_t first_ex
 
 void Sweep::plan_orbitals(std::span<const Orbital* const> orbitals) {
   const std::size_t basis_count = molecule_->basis_count;
-  coefficients_.reserve(basis_count * orbitals.size());
+  coefficients_.resize(basis_count * orbitals.size());
   energies_.reserve(orbitals.size());
   plan_.may_skip_functions = true;
   // Groups of nearly equal size: a small last one would leave the processor waiting.
@@ -272,12 +272,12 @@ void Sweep::plan_orbitals(std::span<const Orbital* const> orbitals) {
                        energies_.data() + first});
     for (std::size_t o = first; o < end; ++o) {
       energies_.push_back(std::fabs(orbitals[o]->energy));
-    }
-    for (std::size_t b = 0; b < basis_count; ++b) {
-      for (std::size_t o = first; o < end; ++o) {
-        coefficients_.push_back(orbitals[o]->coefficients[b]);
-        plan_.may_skip_functions = plan_.may_skip_functions && std::isfinite(coefficients_.back());
+      const std::span coefficients(orbitals[o]->coefficients, basis_count);
+      for (std::size_t b = 0; b < basis_count; ++b) {
+        coefficients_[first * basis_count + b * (end - first) + (o - first)] = coefficients[b];
       }
+      plan_.may_skip_functions = plan_.may_skip_functions &&
+                                 std::ranges::all_of(coefficients, [](double c) { return std::isfinite(c); });
     }
   }
   plan_.group_count = static_cast<unsigned>(group_count);
