@@ -5,6 +5,12 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 has_googletest() { echo '#include <gtest/gtest.h>' | "${CXX:-g++}" -x c++ -std=c++20 -fsyntax-only - 2>/dev/null; }
 
+# Whether clang++ comes with the runtime of its fuzzer.
+has_fuzzer() {
+  echo 'extern "C" int LLVMFuzzerTestOneInput(const char*, unsigned long) { return 0; }' |
+    clang++ -x c++ -fsanitize=fuzzer,address,undefined - -o /dev/null 2>/dev/null
+}
+
 # Installs the Debian packages named, or says which they are and stops.
 install() {
   local as_root=()

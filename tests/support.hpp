@@ -15,6 +15,8 @@
 #include <tuple>
 #include <vector>
 
+#include "text.hpp"
+
 // Helpers of all tests, and the standard headers that nearly all of them need.
 
 /// Runs `call` in a child process, which must end with `status` after printing exactly `output`.
@@ -41,27 +43,6 @@ std::string printed(Call call) {
   testing::internal::CaptureStdout();
   call();
   return testing::internal::GetCapturedStdout();
-}
-
-/// What `call` writes to the stream that it is given.
-template <class Call>
-std::string written(Call call) {
-  char* text = nullptr;
-  std::size_t size = 0;
-  std::FILE* stream = open_memstream(&text, &size);
-  call(stream);
-  std::fclose(stream);
-  const std::string result(text, size);
-  std::free(text);
-  return result;
-}
-
-/// printf's format with one argument.
-template <class Argument>
-std::string formatted(const char* format, Argument argument) {
-  char text[128];
-  std::snprintf(text, sizeof text, format, argument);
-  return text;
 }
 
 /// A new directory, removed with all that is in it at the end of its scope.
