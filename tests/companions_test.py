@@ -1,0 +1,199 @@
+"""Runs orva-grid and orva-view. Environment: ORVA_PROGRAM."""
+
+import itertools
+import math
+import os
+import runpy
+import struct
+import subprocess
+import sys
+import tempfile
+import unittest
+import zlib
+from pathlib import Path
+from types import SimpleNamespace
+
+TOP = Path(__file__).resolve().parent.parent
+ANILINE = TOP / "examples/aniline.fchk"
+orva_view = SimpleNamespace(**runpy.run_path(str(TOP / "tools/orva-view")))
+WFN = TOP / "tests/data/odd.wfn"  # coordinates without blanks between them
+
+
+def run(*command, status=0):
+    os.environ.setdefault("NODE_PATH", str(TOP / "build/node_modules"))
+    done = subprocess.run([str(word) for word in command], capture_output=True, text=True)
+    assert done.returncode == status, (command, done)
+    return done.stdout + done.stderr
+
+
+def grid(*arguments, status=0):
+    return run(TOP / "tools/orva-grid", *arguments, status=status)
+
+
+def view(*arguments, status=0):
+    return run(TOP / "tools/orva-view", *arguments, status=status)
+
+
+def cubes_of_aniline(*grid_arguments):
+    Path("config").write_text(grid(ANILINE, *grid_arguments))
+    run(os.environ["ORVA_PROGRAM"], "-q", "-i", ANILINE, "-t", "fchk")
+    return "out.tot", "out.orva"
+
+
+class Companion(unittest.TestCase):
+    def setUp(self):
+        directory = tempfile.TemporaryDirectory()
+        self.addCleanup(directory.cleanup)
+        os.chdir(directory.name)
+
+    def check_errors(self, program, files, rows):
+        for name, text in files.items():
+            Path(name).write_text(text)
+        for expected, arguments in rows:
+            with self.subTest(expected):
+                self.assertRegex(program(*arguments, status=1), rf"^orva-\w+: .*{expected}.*\n$")
+
+
+class Grid(Companion):
+    def test_orva_reads_the_grid_and_its_faces_keep_the_margin(self):
+        for path, kind in ((ANILINE, "fchk"), (WFN, "wfn")):
+            Path("config").write_text(grid(path, 2.5, 0.4))
+            run(os.environ["ORVA_PROGRAM"], "-q", "-i", path, "-t", kind)
+            lines = [line.split() for line in Path("out.tot").read_text().split("\n")]
+            for k in range(3):
+                origin, (count, *step) = float(lines[2][1 + k]), lines[3 + k]
+                end = origin + (int(count) - 1) * 0.4
+                atoms = [float(line[2 + k]) for line in lines[6 : 6 + int(lines[2][0])]]
+                self.assertEqual([float(x) for x in step], [0.4 * (k == axis) for axis in range(3)])
+                for margin in (min(atoms) - origin, end - max(atoms)):
+                    self.assertTrue(2.5 - 1e-5 < margin < 2.5 + 0.2 + 1e-5, (path, margin))
+
+    def test_errors(self):
+        fchk, wfn = ANILINE.read_text(), WFN.read_text()
+        self.check_errors(grid, {
+            "text": "some\ntext\n", "short.fchk": fchk[:1000], "count": fchk.replace("I               14", "I 15"),
+            "word": fchk.replace("4.41024381e+00", "nan"), "short.wfn": "\n".join(wfn.split("\n")[:3]),
+            "bad.wfn": wfn.replace("0.50000000", "CHARGE"),
+        }, [
+            ("cannot read none: No such file", ["none"]), ("neither", ["text"]), ("no coordinates", ["short.fchk"]),
+            ("42 coordinates for 15 atoms", ["count"]), ("not finite", ["word"]), ("1 of 2 nuclei", ["short.wfn"]),
+            ("no coordinates in line", ["bad.wfn"]), ("give a larger step", [ANILINE, 6, 0.01])])
+        for numbers in ([-1], ["inf"], [6, 0], [6, "nan"], [6, 0.2, 3]):
+            self.assertIn("orva-grid: error:", grid(ANILINE, *numbers, status=2))
+
+
+# Step vectors that are neither perpendicular nor right-handed, and two atoms: exp(-r^2) falls to 0.001 at RADIUS.
+STEPS = ((0.0, 0.2, 0.05), (0.2, 0.0, 0.0), (0.02, 0.0, 0.2))
+RADIUS = math.sqrt(math.log(1000))
+
+
+def write_cube(name, function, count=37, atom_count=2, steps=STEPS):
+    origin = [-sum(step[k] for step in steps) * (count - 1) / 2 for k in range(3)]
+    lines = ["title", "Averaged local ionization potential", f"{atom_count} {origin[0]} {origin[1]} {origin[2]}"]
+    lines += [f"{count} {x} {y} {z}" for x, y, z in steps]
+    lines += ["7 7.0 -0.5 0 0", "1 1.0 0.5 0 0"] + ["1 5"] * (atom_count < 0)
+    for index in itertools.product(range(count), repeat=3):
+        lines.append(repr(function(*(origin[k] + sum(i * step[k] for i, step in zip(index, steps)) for k in range(3)))))
+    Path(name).write_text("\n".join(lines))
+
+
+def gaussian(x, y, z):
+    return math.exp(-x * x - y * y - z * z)
+
+
+class View(Companion):
+    def test_sites_of_a_sphere_have_their_closed_form(self):
+        write_cube("density", gaussian)
+        write_cube("field", lambda x, y, z: 0.3 + 0.02 * x)
+        rows = [line.split() for line in view("--sites", "density", "field").split("\n")[2:4]]
+        self.assertEqual([row[0] for row in rows], ["N1", "H2"])
+        for row, x in zip(rows, (-RADIUS, 0.0)):  # the second atom's part begins at x = 0
+            value, energy, *position = map(float, row[1:])
+            self.assertAlmostEqual(value, 0.3 + 0.02 * x, delta=0.002)
+            self.assertAlmostEqual(energy, value * 27.2114, delta=0.006)
+            self.assertAlmostEqual(math.hypot(*position), RADIUS, delta=0.01)
+            self.assertAlmostEqual(position[0], x, delta=0.1)
+
+    def test_sites_of_aniline(self):
+        rows = [line.split() for line in view("--sites", *cubes_of_aniline(4.5)).split("\n")[2:-1]]
+        lowest = {row[0]: float(row[1]) for row in rows}
+        self.assertEqual(list(lowest.values()), sorted(lowest.values()))
+        # Nitrogen, ortho, para, meta: read off columns of points 0.002 bohr apart (meta: steps of 0.1).
+        for atom, value in {"N1": 0.2904, "C3": 0.3103, "C7": 0.3103, "C5": 0.3106, "C4": 0.3184, "C6": 0.3184}.items():
+            self.assertAlmostEqual(lowest[atom], value, delta=0.0005, msg=atom)
+
+    def test_meshes_of_both_lobes_are_closed_and_face_outwards(self):
+        write_cube("lobes", lambda x, y, z: x * gaussian(x, y, z), atom_count=-2)
+        cube = orva_view.read_cube("lobes")
+        for level, surface in orva_view.find_surfaces(cube, None, None).items():
+            points, quads = surface.vertices, list(zip(*[iter(surface.quads)] * 4))
+            for x, y, z in surface.points:
+                self.assertAlmostEqual(x * gaussian(x, y, z), level, delta=0.006)
+            edges = {(quad[k - 1], quad[k]) for quad in quads for k in range(4)}
+            self.assertEqual(edges, {(end, start) for start, end in edges})
+            triangles = [[points[k] for k in corners] for a, b, c, d in quads for corners in ((a, b, c), (a, c, d))]
+            self.assertGreater(sum(map(orva_view.determinant, triangles)), 6.0)  # six times the volume
+
+    def test_bad_cubes(self):
+        x, y, z = (0.8, 0, 0), (0, 0.8, 0), (0, 0, 0.8)
+        write_cube("good", gaussian, 9, steps=(x, y, z))
+        write_cube("nan", lambda x, y, z: math.nan if x > 2 else 1.0, 9, steps=(x, y, z))
+        write_cube("shift", gaussian, 9, steps=(x, y, (0, 0, 0.7)))
+        write_cube("flat", gaussian, 9, steps=(x, y, y))
+        good = Path("good").read_text()
+        orbitals = good.replace("\n2 ", "\n-2 ").replace("\n1 1.0 0.5 0 0", "\n1 1.0 0.5 0 0\n2 5 6")
+        self.check_errors(view, {
+            "text": "a\nb\n", "short": good[:-30], "word": good + "x", "two": orbitals,
+            "line": good.replace("9 0.8", "1 0.8"),
+        }, [
+            ("cannot read none", ["none"]), ("cannot read none", ["good", "--library", "none"]),
+            ("text is no cube file", ["text"]), ("values for 9 x 9 x 9", ["short"]), ("bad value", ["word"]),
+            ("2 are needed", ["line"]), ("plane", ["flat"]), ("2 orbitals", ["two"]),
+            ("different grids", ["good", "shift"]), ("no surface at 2: .* to 1", ["good", "-i", 2]),
+            ("nan has no number on the surface at", ["--sites", "good", "nan"]),
+            ("nan has values that are no finite", ["nan"])])
+        write_cube("slope", lambda x, y, z: 1.03 + 0.1 * z, 9, steps=(x, y, z))
+        self.assertIn("cut the surface open", view("slope", "-i", 1, "-o", "page.html"))
+        for point in orva_view.find_surface(orva_view.read_cube("slope"), 1.0, None).points:
+            self.assertAlmostEqual(point[2], -0.3, delta=0.01)  # an edge ends with its row of points
+        self.assertIn("orva-view: error:", view("good", "--sites", status=2))
+
+
+def pixels(path):
+    """Rows of (red, green, blue) of a PNG file with 8 bits a channel."""
+    data, at, chunks = Path(path).read_bytes(), 8, b""
+    width, height, _, kind = struct.unpack(">IIBB", data[16:26])
+    while at < len(data):
+        size, name = struct.unpack(">I4s", data[at : at + 8])
+        chunks += data[at + 8 : at + 8 + size] if name == b"IDAT" else b""
+        at += size + 12
+    raw, wide = zlib.decompress(chunks), {2: 3, 6: 4}[kind]
+    rows, above = [], bytes(width * wide)
+    for start in range(0, len(raw), width * wide + 1):
+        row = bytearray(raw[start + 1 : start + 1 + width * wide])
+        for i in range(len(row)):
+            a, b, c = (row[i - wide], above[i], above[i - wide]) if i >= wide else (0, above[i], 0)
+            paeth = min((abs(b - c), 0, a), (abs(a - c), 1, b), (abs(a + b - 2 * c), 2, c))[2]
+            row[i] = (row[i] + (0, a, b, (a + b) // 2, paeth)[raw[start]]) % 256
+        rows.append([tuple(row[i : i + 3]) for i in range(0, len(row), wide)])
+        above = row
+    return rows
+
+
+class Browser(Companion):
+    def test_draws_aniline(self):
+        if subprocess.run(["which", "chromium"], capture_output=True).returncode != 0:
+            self.skipTest("chromium is not installed")
+        if "no 3Dmol.js" in view(*cubes_of_aniline(4.5), "-r", 0.29, 0.45, "--turn", 188, 12, 0, "-o", "page.html"):
+            self.skipTest("the npm package 3dmol is not installed")
+        run(TOP / "scripts/draw", "page.html", "page.png")
+        rows = pixels("page.png")
+        for place, x, y, hue in (("lone pair", 575, 325, "R"), ("ortho", 430, 380, "R"), ("para", 325, 300, "R"),
+                                 ("NH2", 600, 205, "B"), ("CH", 480, 150, "G"), ("beside", 120, 300, "RGB")):
+            colour = rows[y][x]
+            strong = "".join(name for name, part in zip("RGB", colour) if part > 0.9 * max(colour))
+            self.assertEqual(strong, hue, (place, colour))
+
+
+if __name__ == "__main__":
+    sys.exit(unittest.main())
