@@ -19,7 +19,7 @@ namespace {
 constexpr double orbital_memory = 64.0 * 1024 * 1024;
 
 const Orbital* orbital_of(const Molecule* molecule, std::int16_t code, std::int16_t orbital) {
-  return (code == 201 ? molecule->beta_orbitals : molecule->alpha_orbitals) + (orbital - 1);
+  return (code == field_beta_orbital ? molecule->beta_orbitals : molecule->alpha_orbitals) + (orbital - 1);
 }
 
 // The grid points in the order of the files.
@@ -150,18 +150,18 @@ void sweep_grid(const CubeDefinition* cube, Sweep& sweep, Take take) {
 
 void comp_data(const Molecule* molecule, const CubeDefinition* cube, std::int16_t code, std::int16_t orbital,
                std::FILE* first, std::FILE* second) {
-  const bool is_single = code == 42 || code == 101 || code == 201;
-  const SweepField field = code == 42  ? SweepField::orbital_density
-                           : is_single ? SweepField::orbital
-                                       : SweepField::density_and_potential;
+  const bool is_single = field_is_orbital(code);
+  const SweepField field = code == field_orbital_density ? SweepField::orbital_density
+                           : is_single                   ? SweepField::orbital
+                                                         : SweepField::density_and_potential;
   const std::vector<const Orbital*> orbitals =
       is_single ? std::vector{orbital_of(molecule, code, orbital)} : occupied_orbitals(molecule);
   Sweep sweep(molecule, sweep_choose_kernel(), field, orbitals, extent_of(cube));
   CubeText first_text(first, cube->npoints[2]);
   CubeText second_text(second, cube->npoints[2]);
   sweep_grid(cube, sweep, [&](unsigned count) {
-    first_text.put({sweep.field(code == 63 ? 1 : 0), count});
-    if (code == 50) {
+    first_text.put({sweep.field(code == field_potential ? 1 : 0), count});
+    if (code == field_density_and_potential) {
       second_text.put({sweep.field(1), count});
     }
   });
@@ -205,18 +205,18 @@ void comp_point_value(const Molecule* molecule, const double* point, std::int16_
   eval_bfce_vec(molecule, point, comp_bfce_vec);
   const unsigned n = molecule->basis_count;
   switch (code) {
-    case 10:
+    case field_density:
       *first = eval_den(molecule, comp_bfce_vec);
       break;
-    case 42:
+    case field_orbital_density:
       *first = eval_mo_den(orbital_of(molecule, code, orbital), comp_bfce_vec, n);
       break;
-    case 101:
-    case 201:
+    case field_alpha_orbital:
+    case field_beta_orbital:
       *first = eval_mo(orbital_of(molecule, code, orbital), comp_bfce_vec, n);
       break;
-    case 50:
-    case 63:
+    case field_density_and_potential:
+    case field_potential:
       eval_orva(molecule, comp_bfce_vec, first, second);
       break;
     default:

@@ -6,7 +6,8 @@
 #include <memory>
 #include <span>
 
-#include "cube.hpp"
+#include "field.hpp"
+#include "grid.hpp"
 #include "memory.hpp"
 
 // The sweep over the grid: the data of the cube files.

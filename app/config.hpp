@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "cube.hpp"
+#include "grid.hpp"
 #include "reader.hpp"
 
 // The configuration file: lines of an item name and a setting.

@@ -84,16 +84,16 @@ struct CubeField {
 };
 
 constexpr std::array orbital_fields = {
-    CubeField{21, {&conf_cube_allmo}},
-    CubeField{31, {&conf_cube_onemo}},
-    CubeField{42, {&conf_cube_moden}},
+    CubeField{field_all_orbitals, {&conf_cube_allmo}},
+    CubeField{field_one_orbital, {&conf_cube_onemo}},
+    CubeField{field_orbital_density, {&conf_cube_moden}},
 };
 
 // The density costs nothing beside the ionization potential, so one sweep gives both.
 constexpr std::array density_fields = {
-    CubeField{50, {&conf_cube_orva, &conf_cube_totd}},
-    CubeField{63, {&conf_cube_orva}},
-    CubeField{10, {&conf_cube_totd}},
+    CubeField{field_density_and_potential, {&conf_cube_orva, &conf_cube_totd}},
+    CubeField{field_potential, {&conf_cube_orva}},
+    CubeField{field_density, {&conf_cube_totd}},
 };
 
 bool is_asked_for(const CubeField& field) {

@@ -126,6 +126,25 @@ TEST(Fchk, NoCutOfAFileGivesAnotherMolecule) {
   expect_cuts_rejected(fcheck_read, fchk_text(), fchk_text().size());
 }
 
+// A file holds the orbitals of one spin at least, which is all that a count may announce.
+TEST(Fchk, LargeCountsAreDoubtedByWhatTheFileHolds) {
+  arg_quiet = 1;  // no warning of beta orbitals
+  const std::string text = fchk_text(unrestricted()), sections = text.substr(0, text.find("Alpha Orb"));
+  const auto zeros = [](unsigned count) { return lines_of(Numbers(count), "%2.0f", 5); };
+  const std::string orbitals = "Alpha Orbital Energies\n" + zeros(1100) + "Alpha MO coefficients\n";
+  const Breakage enough[] = {
+      {"functions ", "functions 1100\n", "wrong base reorder - number of basis functions"}};
+  expect_rejected(fcheck_read, sections + orbitals + zeros(1100 * 1100), enough);
+  const Breakage too_few[] = {
+      {"functions ", "functions 1100\n", "invalid count in fchk file - Number of basis functions"}};
+  expect_rejected(fcheck_read, sections + orbitals + zeros(1000 * 1000), too_few);
+  // A count without a line end behind it may have been cut off.
+  const Breakage cut_off[] = {
+      {"Number of electrons", "Electrons", "invalid count in fchk file - Number of electrons"}};
+  expect_rejected(fcheck_read, fchk_text() + "Number of electrons  I  1", cut_off);
+  arg_quiet = 0;
+}
+
 TEST(Reorder, AbsentArraysEndTheRun) {
   int types[] = {sp_shell};
   unsigned ones[] = {1};

@@ -203,8 +203,8 @@ inline void expect_cuts_rejected(ReadInput read, const std::string& text, std::s
     const std::string expected = wfn_text(*read_text(read, text));
     msg_error_fce_set([](void*, void*) { throw FatalError(); }, nullptr, nullptr);
     std::freopen("/dev/null", "w", stdout);
+    const Scratch scratch;
     for (std::size_t length = 0; length < text.size(); ++length) {
-      const Scratch scratch;
       set_input(scratch, text.substr(0, length));
       Molecule molecule{};
       msg_ef.armed = 1;
@@ -220,6 +220,7 @@ inline void expect_cuts_rejected(ReadInput read, const std::string& text, std::s
       }
     }
     std::fflush(stderr);
+    std::filesystem::remove_all(scratch.path());
     _exit(0);  // what was left behind by the errors is not to be missed
   };
   EXPECT_EXIT(read_cuts(), testing::ExitedWithCode(0), testing::Eq(""));
