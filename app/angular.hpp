@@ -48,9 +48,12 @@ Real cubed(const Real& v) {
 }
 
 /// Calls `use` with the factor of a component out of a tuple of all components' factors; not at all for a
-/// component out of range.
+/// component out of range. The one factor of an s shell is taken for whatever component.
 template <class Factors, class Use>
 void angular_select(const Factors& factors, int component, Use use) {
+  if constexpr (std::tuple_size_v<Factors> == 1) {
+    component = 0;
+  }
   [&]<std::size_t... I>(std::index_sequence<I...>) {
     ((component == static_cast<int>(I) ? use(std::get<I>(factors)) : void()), ...);
   }

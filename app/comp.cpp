@@ -104,7 +104,7 @@ class CubeText {
   std::FILE* stream_;
   unsigned row_length_, in_row_ = 0, in_line_ = 0;
   std::size_t used_ = 0;
-  std::vector<char> text_ = std::vector<char>(64 * 1024);
+  std::vector<char> text_ = std::vector<char>(65536);
 };
 
 // No coordinate of a grid point is larger in magnitude; NaN if one is undefined.

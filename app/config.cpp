@@ -151,7 +151,7 @@ void read_point_counts(Reader* stream, CubeDefinition* cube) {
 void conf_read(CubeDefinition* cube) {
   std::FILE* file = open_if_file(glob_file_config);
   if (file == nullptr) {
-    std::strcpy(glob_file_config, default_config);
+    std::snprintf(glob_file_config, file_name_size, "%s", default_config);
     file = open_if_file(glob_file_config);
   }
   if (file == nullptr) {

@@ -1,6 +1,6 @@
 #include "dfce.hpp"
 
-#include "prim.hpp"
+#include "component.hpp"
 
 void dfce_d6_id(const BasisFunction* function, unsigned* a, unsigned* b) {
   angular_select(d6_factors, function->component, [&](const AxisProduct<2>& factor) {
@@ -10,11 +10,11 @@ void dfce_d6_id(const BasisFunction* function, unsigned* a, unsigned* b) {
 }
 
 double dfce_d6(const BasisFunction* function, unsigned i, const double* point) {
-  return prim_of_type(2, function, i, point);
+  return prim_component(d6_factors, function, i, point);
 }
 
 double dfce_d5(const BasisFunction* function, unsigned i, const double* point) {
-  return prim_of_type(-2, function, i, point);
+  return prim_component(d5_factors, function, i, point);
 }
 
 double dfce_d5_zzrr(const BasisFunction* function, unsigned i, const double* point) {

@@ -1,6 +1,6 @@
 #include "ffce.hpp"
 
-#include "prim.hpp"
+#include "component.hpp"
 
 void ffce_f10_id(const BasisFunction* function, unsigned* a, unsigned* b, unsigned* c) {
   angular_select(f10_factors, function->component, [&](const AxisProduct<3>& factor) {
@@ -11,11 +11,11 @@ void ffce_f10_id(const BasisFunction* function, unsigned* a, unsigned* b, unsign
 }
 
 double ffce_f10(const BasisFunction* function, unsigned i, const double* point) {
-  return prim_of_type(3, function, i, point);
+  return prim_component(f10_factors, function, i, point);
 }
 
 double ffce_f7(const BasisFunction* function, unsigned i, const double* point) {
-  return prim_of_type(-3, function, i, point);
+  return prim_component(f7_factors, function, i, point);
 }
 
 double ffce_f7_z3r2z(const BasisFunction* function, unsigned i, const double* point) {

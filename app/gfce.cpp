@@ -1,6 +1,6 @@
 #include "gfce.hpp"
 
-#include "prim.hpp"
+#include "component.hpp"
 
 void gfce_g15_id(const BasisFunction* function, unsigned* lx, unsigned* ly, unsigned* lz) {
   const int component = function->component;
@@ -13,11 +13,11 @@ void gfce_g15_id(const BasisFunction* function, unsigned* lx, unsigned* ly, unsi
 }
 
 double gfce_g15(const BasisFunction* function, unsigned i, const double* point) {
-  return prim_of_type(4, function, i, point);
+  return prim_component(g15_factors, function, i, point);
 }
 
 double gfce_g9(const BasisFunction* function, unsigned i, const double* point) {
-  return prim_of_type(-4, function, i, point);
+  return prim_component(g9_factors, function, i, point);
 }
 
 double gfce_g9_z4z2r2r4(const BasisFunction* function, unsigned i, const double* point) {

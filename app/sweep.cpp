@@ -14,7 +14,6 @@
 #include "message.hpp"
 #include "norm.hpp"
 #include "shell.hpp"
-#include "sweep_sets.hpp"
 
 namespace {
 
@@ -94,7 +93,7 @@ bool is_next_component(const BasisFunction& a, const BasisFunction& b) {
 
 // As many points as keep the values of all basis functions within the second-level cache.
 unsigned choose_block_points(unsigned basis_count, const SweepKernel& kernel) {
-  constexpr unsigned cache_values = 192 * 1024 / sizeof(double);
+  constexpr unsigned cache_values = 192 * (1024 / sizeof(double));
   const unsigned fitting = cache_values / std::max(basis_count, 1U) / kernel.tile_points * kernel.tile_points;
   return std::clamp(fitting, kernel.tile_points, kernel.block_points_max);
 }

@@ -1,5 +1,4 @@
 #include "sweep_kernel.hpp"
-#include "sweep_sets.hpp"
 
 namespace {
 

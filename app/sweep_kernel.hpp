@@ -6,7 +6,7 @@
 #include "exponential.hpp"
 #include "pack.hpp"
 #include "prim.hpp"
-#include "sweep.hpp"
+#include "sweep_plan.hpp"
 
 // The sweep over a block of points, for one type of pack. Included once by the translation unit of each
 // instruction set, with a pack type of an unnamed namespace.
@@ -74,14 +74,15 @@ class SweepKernelFor {
     Surroundings around;
     look_around(plan, block, boxes, atom, around);
     for (unsigned e = 0; e < atom.exponential_count; ++e) {
-      evaluate_exponential(atom.exponentials[e], around, block.exponentials + e * block_points_max);
+      evaluate_exponential(atom.exponentials[e], around,
+                           block.exponentials + std::size_t{e} * block_points_max);
     }
     for (const SweepShell* shell = atom.shells; shell != atom.shells + atom.shell_count; ++shell) {
       prim_shell(shell->type, [&](const auto& factors) {
         if (shell->is_whole) {
           evaluate_shell(block, *shell, around, factors);
         } else {
-          angular_select(factors, shell->type == 0 ? 0 : shell->component, [&](const auto& factor) {
+          angular_select(factors, shell->component, [&](const auto& factor) {
             evaluate_shell(block, *shell, around, std::tie(factor));
           });
         }
@@ -223,7 +224,8 @@ class SweepKernelFor {
     eval_contractions(
         shell.coefficients + first, count,
         [&](unsigned i, std::size_t f) {
-          const double* const exponentials = block.exponentials + terms[i].exponential * block_points_max;
+          const double* const exponentials =
+              block.exponentials + std::size_t{terms[i].exponential} * block_points_max;
           return prim_value(Real(norms[i * functions + f]), Real::load(exponentials + s * Real::lanes),
                             factors[f]);
         },
@@ -239,7 +241,7 @@ class SweepKernelFor {
     OccupiedSums<Real> sums[TilePacks];
     std::size_t orbital = 0;
     for (unsigned g = 0; g < plan.group_count; ++g) {
-      const std::size_t output = orbital * block.stride + tile * tile_points;
+      const std::size_t output = orbital * block.stride + std::size_t{tile} * tile_points;
       evaluate_group<TileOrbitals>(plan, block, plan.groups[g], tile, active_count, sums, output);
       orbital += plan.groups[g].count;
     }

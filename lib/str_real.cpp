@@ -69,7 +69,7 @@ constexpr int floor_log2_of_power10(int n) { return (n * 1741647) >> 19; }
 
 constexpr auto two_digits = [] {
   std::array<char, 200> table{};
-  for (unsigned i = 0; i < 100; ++i) {
+  for (std::size_t i = 0; i < 100; ++i) {
     table[2 * i] = static_cast<char>('0' + i / 10);
     table[2 * i + 1] = static_cast<char>('0' + i % 10);
   }
@@ -77,12 +77,12 @@ constexpr auto two_digits = [] {
 }();
 
 // 100000 <= digits <= 999999, value = digits · 10^(exponent - 5).
-void put(bool negative, unsigned digits, int exponent, char* text) {
-  const unsigned magnitude = static_cast<unsigned>(exponent < 0 ? -exponent : exponent);
+void put(bool negative, std::size_t digits, int exponent, char* text) {
+  const auto magnitude = static_cast<std::size_t>(exponent < 0 ? -exponent : exponent);
   text[0] = ' ';
   char* const start = magnitude < 100 ? text + 1 : text;
   start[0] = negative ? '-' : ' ';
-  const unsigned high = digits / 10000, low = digits % 10000;
+  const std::size_t high = digits / 10000, low = digits % 10000;
   start[1] = two_digits[2 * high];
   start[2] = '.';
   start[3] = two_digits[2 * high + 1];

@@ -157,7 +157,10 @@ TEST_F(Run, NoTwoFilesOfARunAreTheSame) {
   const std::string input = "error: input file \"lih.fchk\" and ", density = "cube file \"out.tot\" and ";
   write_file(here / "hard.1b", ""), write_file(here / "other", "");
   std::filesystem::create_hard_link(here / "lih.fchk", here / "hard");
-  std::filesystem::create_symlink("new", here / "ahead");
+  std::filesystem::create_directory(here / "d");
+  std::filesystem::create_symlink("../new", here / "d/last");
+  std::filesystem::create_symlink("last", here / "d/first");
+  std::filesystem::create_symlink("d/first", here / "ahead");
   std::filesystem::create_symlink("loop", here / "loop");
   std::filesystem::create_symlink("set", here / "soft.2a");
   const std::tuple<std::string, std::string, std::string> rows[] = {
@@ -189,6 +192,9 @@ TEST_F(Run, NoTwoFilesOfARunAreTheSame) {
     write_file(here / "set", grid + config);
     EXPECT_EQ(run(here, run_lih + "-q -c set"), std::pair(0, std::string())) << config;
   }
+  write_file(here / "set", "CUBE_FILE_DENSITY /dev/stdout\nCUBE_ORVA 0\n" + grid);
+  const auto [status, cube] = run(here, run_lih + "-q -c set");
+  EXPECT_EQ(std::pair(status, cube.substr(0, 17)), std::pair(0, std::string(" lithium hydride\n")));
 }
 
 TEST_F(Run, StatusIsZeroForACompleteRunOnly) {
@@ -207,8 +213,8 @@ TEST_F(Run, StatusIsZeroForACompleteRunOnly) {
   for (const auto& [config, command, status, output] : rows) {
     write_file(here / "config", grid + config);
     EXPECT_EQ(run_command(here, command), std::pair(status, output)) << command;
+    EXPECT_EQ(read_file(here / "out.tot").substr(0, 17), " lithium hydride\n") << command;
   }
-  EXPECT_EQ(read_file(here / "out.tot").substr(0, 17), " lithium hydride\n");
 }
 
 TEST_F(Run, WhatCannotBeDoneIsRefusedBeforeAFileIsOpened) {

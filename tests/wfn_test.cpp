@@ -80,8 +80,10 @@ TEST(Wfn, OrbitalsThatAreNotListedShareTheirZeros) {
 }
 
 TEST(Wfn, NoCutOfAFileGivesAnotherMolecule) {
-  const std::string text = wfn_text(*read_text(fcheck_read, fchk_text()));
-  expect_cuts_rejected(wfn_read, text, text.find("END DATA"));
+  for (const unsigned electrons : {2U, 4U}) {
+    const std::string text = wfn_text(*read_text(fcheck_read, fchk_text({.electrons = electrons})));
+    expect_cuts_rejected(wfn_read, text, text.find("END DATA"));
+  }
 }
 
 TEST(Wfn, BadFilesEndTheRun) {
