@@ -119,7 +119,7 @@ bool file_is_any_incomplete() { return any_incomplete; }
 void file_keep_standard_streams() {
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(descriptor, F_GETFD) < 0) {
-      open("/dev/null", O_RDONLY);  // takes the lowest free descriptor: this one
+      open("/", O_RDONLY);  // takes the lowest free descriptor: this one
     }
   }
 }

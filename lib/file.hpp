@@ -20,8 +20,8 @@ void file_flush_output();
 /// Whether some text could not be written so far: such a run is not complete.
 bool file_is_any_incomplete();
 
-/// Opens /dev/null in the place of standard streams that are closed, so that no file that is opened later
-/// becomes standard output or standard error. What is written to such a stream still fails.
+/// Opens a directory in the place of standard streams that are closed, so that no file that is opened later
+/// becomes standard output or standard error. To write to such a stream, or to open it by name, still fails.
 void file_keep_standard_streams();
 
 /// A file that a run reads or writes, with the word by which messages call it.
