@@ -207,7 +207,7 @@ TEST_F(Run, StatusIsZeroForACompleteRunOnly) {
       {"", program + run_lih + "-q >/dev/full", 0, ""},
       {"", program + run_lih + "-q >&- 2>&- <&-", 0, ""},
       {"", program + run_lih + "-o report >&-", 0, ""},
-      {"CUBE_FILE_ORVA /dev/stdout", program + run_lih + "-q >&-", 1, ""},
+      {"CUBE_FILE_DENSITY /dev/stdout\nCUBE_ORVA 0", program + run_lih + "-q >&-", 1, ""},
       {"", "rm config; ln -s /dev/full config; " + program + "-p", 1,
        lost + "sample config file \"config\" has been written\n"},
   };
