@@ -74,6 +74,24 @@ TEST_F(Config, EveryNumericItemSetsItsOwnSettingAndNoOther) {
   }
 }
 
+TEST_F(Config, TheFileThatWasReadKeepsItsName) {
+  const auto home = std::filesystem::current_path();
+  std::filesystem::current_path(here.path());
+  const auto name_after = [this](const char* name) {
+    std::strcpy(glob_file_config, name);
+    conf_read(&cube);
+    return std::string(glob_file_config);
+  };
+  EXPECT_EQ(name_after("absent"), "");
+  std::filesystem::create_directory(here / "directory");
+  write_file(here / "config", "PRINT_ZMAT 1"), write_file(here / "other", "PRINT_ZMAT 0");
+  EXPECT_EQ(name_after("directory"), "config");
+  EXPECT_EQ(conf_print_zmat, 1);
+  EXPECT_EQ(name_after("other"), "other");
+  EXPECT_EQ(conf_print_zmat, 0);
+  std::filesystem::current_path(home);
+}
+
 TEST_F(Config, FileNamesAreCopiedAsTheyStandAndTheLastOneCounts) {
   const std::string longest(31, 'n');
   for (const auto& [item, target, standard] : file_names) {

@@ -90,6 +90,7 @@ TEST(Fchk, WhatDoesNotMatterChangesNothing) {
       {"  5.0000000000000000E-01\n  3.", "\r\n0.5\v3."},
       {"Number of alpha", "Alpha"},
       {"Number of beta", "Beta"},
+      {"Charge", "Number of atoms 2\nCarge"},
       {"Charge", "Beta Orbital Energies\n  none\nBeta MO coefficients\n 1.0 2.0\nCharge"},
       {"Number of contracted", "Shell types too early\n 1 2\nNumber of contracted"},
   };
@@ -142,7 +143,19 @@ TEST(Fchk, LargeCountsAreDoubtedByWhatTheFileHolds) {
   const Breakage cut_off[] = {
       {"Number of electrons", "Electrons", "invalid count in fchk file - Number of electrons"}};
   expect_rejected(fcheck_read, fchk_text() + "Number of electrons  I  1", cut_off);
+  EXPECT_EQ(read_fchk(broken(fchk_text(), "Number of electrons", "Electrons") + "Number of electrons 1\n")
+                ->electron_count,
+            1U);
   arg_quiet = 0;
+}
+
+TEST(Fchk, AMoleculeOfNothingIsOne) {
+  std::string text = "nothing\nSP RHF none\n";
+  for (const char* count :
+       {"atoms", "electrons", "basis functions", "contracted shells", "primitive shells"}) {
+    text += std::string("Number of ") + count + " 0\n";
+  }
+  EXPECT_EQ(read_fchk(text)->basis_count, 0U);
 }
 
 TEST(Reorder, AbsentArraysEndTheRun) {
@@ -170,6 +183,8 @@ TEST(Fchk, BadFilesEndTheRun) {
       {"        UHF       small", "", "cannot find method which was used to compute MOs"},
       {"   I                1\n", "   I\n", "cannot convert last word into integer"},
       {"momentum ", "momentum 5\n", "maximal anglular momentum exceeds limit"},
+      {"momentum ", "momentum -1\n", "maximal anglular momentum exceeds limit"},
+      {"functions ", "functions 4\n", "wrong base reorder - number of basis functions"},
       {"\n           3 ", "\nx", "cannot read atomic numbers"},
       {"  3.0000000000000000E+00\nN", nullptr, "cannot read cartesian coordinates"},
       {"  1.0000000000000000E+00  8.75", " D", "cannot read alpha MO coefficients"},

@@ -53,7 +53,8 @@ std::string by_reader(const std::string& text) {
 // Separated by bars.
 const std::string odd_numbers =
     "1.5abc|1e|1e+|1e |1e+x|1ee5|1e+-5|1e5.5|1e5e|-|+|.|-.|..5|.5|.5.5|1.|1E5 |1d5|00012|+-1|- 5|-5|1-2|1,5|"
-    "1_|e5|1e-400|1e400 |5e-324 |-0|0|0e|0.|nan|NaN(1) |nanx|nax|n|-nan(1) |inf |iNfinity|infinit|infx|infix|"
+    "1_|1x5|e5|1e-400|1e400 |5e-324 |-0|0|0e|0.|nan|NaN(1) |nanx|nax|n|-nan(1) |inf "
+    "|iNfinity|infinit|infx|infix|"
     "+inf|i|0x|0xg|0x.|0x.8|-0x10|0x1.8p1|0x1p|0x1e5|0x1p+5z|0X1P3|00x1|0x1p1p|0xp1|| \n\t\v\f\r 7.25 x|"
     "+3.5 |1.5\n|2147483647|-2147483648|4294967295 |-4294967295";
 
@@ -166,4 +167,13 @@ TEST(Reader, DoubtsOnlyNumbersThatAFileIsTooShortFor) {
   EXPECT_FALSE(reader.may_hold(many));
   EXPECT_TRUE(reader.may_hold(1000000));
   EXPECT_FALSE(reader.may_hold(std::numeric_limits<std::uint64_t>::max()));
+  // Of a pipe and of memory nobody knows the size.
+  char memory[] = "1";
+  for (std::FILE* stream : {popen("echo 1", "r"), fmemopen(memory, 1, "r")}) {
+    Reader endless(stream);
+    double value = 0.0;
+    EXPECT_TRUE(endless.number(value) && endless.may_hold(std::numeric_limits<std::uint64_t>::max() / 2));
+    EXPECT_EQ(endless.remaining(), std::numeric_limits<std::uint64_t>::max());
+    std::fclose(stream);
+  }
 }

@@ -103,6 +103,7 @@ TEST(Wfn, BadFilesEndTheRun) {
       {"  5.0000000000000000E-01  3.0000000000000000E+00", " 1.00000000100.12345678  2.0",
        "cannot read atomic coordinates"},
       {"  3.0000000000000000E+00\nCENTRE", " 3.00000000100.5\nCENTRE", "cannot read atomic coordinates"},
+      {"EXPONENTS ", "EXPONENTS Z ", "cannot read number in real data block"},
       {"CENTRE", nullptr, "unexpected end of file while reading data from WFN file"},
       {"\nEXPONENTS", nullptr, "unexpected end of file while reading data from WFN file"},
       {"   2   2\nTYPE", "   2\nTYPE", "cannot read unsigned int data block"},
