@@ -170,6 +170,7 @@ TEST_F(Config, WhatIsWrongIsSaidAndEndsTheRun) {
       {"DEFINE_CUBE 1\n0 0 # 0", "cannot read point" + grid},
       {"DEFINE_CUBE 1\n0 0 0", "unexpected end of config file while reading cube definition"},
       {vectors, "unexpected end of file while reading cube definition"},
+      {vectors + "# " + blanks(3000), "cannot read vectors" + grid},
       {vectors + "0 0 # 1\n", "cannot read vectors" + grid},
       {vectors + "0 0 1\n8 8 -8\n", "cannot read ranges" + grid},
       {points + "# D\n1 1 1\n8 8 8\n", "cannot read points" + grid},
