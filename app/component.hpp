@@ -36,7 +36,7 @@ double prim_with(const BasisFunction* function, unsigned i, const double* point,
 }
 
 /// The same with the factor of the function's component out of a tuple of all components' factors; 0.0 for a
-/// component out of range.
+/// component out of range (an s shell has one for all).
 template <class Factors>
 double prim_component(const Factors& factors, const BasisFunction* function, unsigned i,
                       const double* point) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <new>
 #include <span>
 
 #include "comp.hpp"
@@ -86,11 +87,18 @@ void write_all_orbitals(const Molecule* molecule, const CubeDefinition* cube, st
     }
     const unsigned place = i % block.orbital_count;
     write_file(molecule, cube, report, name.c_str(), code, number, [&](std::FILE* stream, std::FILE*) {
-      if (place == 0) {
-        comp_orbital_values(molecule, cube, orbitals + i, std::min(block.orbital_count, orbital_count - i),
-                            &block);
+      try {
+        if (place == 0) {
+          comp_orbital_values(molecule, cube, orbitals + i, std::min(block.orbital_count, orbital_count - i),
+                              &block);
+        }
+        comp_write_values(cube, block.of(place), stream);
+      } catch (const std::bad_alloc&) {
+        // Nothing of this file is written yet. From here on one by one: the block has no memory for its
+        // sweep.
+        block = {nullptr, 0, 0};
+        comp_data(molecule, cube, code, number, stream, nullptr);
       }
-      comp_write_values(cube, block.of(place), stream);
     });
   }
 }

@@ -9,7 +9,7 @@ double** dmat_alloc(const Molecule* molecule) {
   // Row by row, both halves: to compute a distance again costs less than to store it far away.
   for (unsigned i = 0; i < n; ++i) {
     for (unsigned j = 0; j < n; ++j) {
-      distances[i][j] = dist_r(molecule->atoms[i].coord, molecule->atoms[j].coord, 3);
+      distances[i][j] = i == j ? 0.0 : dist_r(molecule->atoms[i].coord, molecule->atoms[j].coord, 3);
     }
   }
   return distances;

@@ -53,7 +53,8 @@ struct Input {
   Molecule* molecule;
   ShellTable shells;
   std::array<char, sizeof Molecule::title> line;  // the label line
-  std::array<bool, section_count> was_read;       // by section
+  std::array<bool, section_count> was_met;        // by section: its label
+  std::array<bool, section_count> was_read;       // its values
 };
 
 [[noreturn]] void fail(const char* trouble, const Section& section) {
@@ -250,18 +251,23 @@ void read_sections(Input& input) {
     const auto* section = std::find_if(sections.begin(), sections.end(), [line](const Section& candidate) {
       return *line == *candidate.label && str_sub_bfind(line, candidate.label) != 0;
     });
-    if (section != sections.end() && section->has_values(*input.molecule)) {
+    if (section == sections.end()) {
+      continue;
+    }
+    input.was_met[static_cast<std::size_t>(section - sections.begin())] = true;
+    if (section->has_values(*input.molecule)) {
       section->take(input, *section);
       was_read(input, *section) = true;
     }
   }
 }
 
-// Whether a section that is needed for beta orbitals was read: a file without any of them has none, one with
-// a part of them was cut off.
+// Whether there is a section of beta orbitals: a file without any of them has none, one with a part of them
+// was cut off, or has them before the count that they need.
 bool has_beta_orbitals(Input& input) {
   return std::any_of(sections.begin(), sections.end(), [&](const Section& section) {
-    return section.need == Need::beta_orbitals && was_read(input, section);
+    return section.need == Need::beta_orbitals &&
+           input.was_met[static_cast<std::size_t>(&section - sections.data())];
   });
 }
 
@@ -289,7 +295,8 @@ void check_sections(Input& input) {
       fail("missing section", section);
     }
   }
-  if (inp_rest_scf == 0 && !has_beta_orbitals(input) && arg_quiet == 0) {
+  if (inp_rest_scf == 0 && !has_beta_orbitals(input) && input.molecule->beta_electron_count > 0 &&
+      arg_quiet == 0) {
     msg_warn("no beta orbitals in fchk file, beta electrons are left out");
   }
 }
@@ -307,7 +314,12 @@ void check_electrons(const Molecule& molecule) {
 
 void fcheck_read(Molecule* molecule) {
   std::FILE* stream = file_open(glob_file_input, "r");
-  Input input = {.reader = Reader(stream), .molecule = molecule, .shells = {}, .line = {}, .was_read = {}};
+  Input input = {.reader = Reader(stream),
+                 .molecule = molecule,
+                 .shells = {},
+                 .line = {},
+                 .was_met = {},
+                 .was_read = {}};
   reorder_shell_init(&input.shells);
   read_heading(input);
   read_sections(input);

@@ -38,7 +38,7 @@ void prim_shell(int type, Use use) {
 }
 
 /// Value of primitive `i` of the function at `point` (x, y, z in bohr), bohr^(-3/2).
-/// An unknown shell type or component gives 0.0.
+/// An unknown shell type or component gives 0.0; an s shell has one function for every component.
 double prim_fce(const BasisFunction* function, unsigned i, const double* point);
 
 /// Value of a primitive of a p function.

@@ -21,6 +21,8 @@
 
 namespace {
 
+constexpr const char* no_exponent = "cannot read number in real data block";
+
 using Line = std::array<char, sizeof Molecule::title>;
 
 // Columns, counted from 1, at which values begin.
@@ -147,8 +149,8 @@ void wfn_read_atoms(Molecule* molecule, Reader& reader) {
     for (double& coordinate : atom.coord) {
       text = str_fortran_real(text, &coordinate);
       // A number that fills its columns may touch the next: a second decimal point shows that it has taken
-      // digits of its neighbour.
-      if (text == nullptr || *text == '.') {
+      // digits of its neighbour. An exponent that starts with D is none here.
+      if (text == nullptr || *text == '.' || *text == 'D' || *text == 'd') {
         msg_fatal("cannot read atomic coordinates");
       }
     }
@@ -165,6 +167,9 @@ void wfn_read_basis(Molecule* molecule, Reader& reader) {
   wfn_read_udata(centres, count, 20, 20, reader);
   wfn_read_udata(types, count, 20, 20, reader);
   wfn_read_fdata(exponents, count, 5, 10, reader);
+  if (molecule->electron_count == 0 && count > 0 && reader.is_at_end()) {
+    msg_fatal(no_exponent);  // the last number of the file, which may have been cut off
+  }
   wfn_basis_reorder(molecule, centres, types, exponents);
 
   vec_ufree(centres);
@@ -179,7 +184,7 @@ void wfn_read_udata(unsigned* values, unsigned count, unsigned per_line, unsigne
 
 void wfn_read_fdata(double* values, unsigned count, unsigned per_line, unsigned label_width, Reader& reader) {
   read_block(values, count, per_line, label_width, reader,
-             [](Reader& from) { return read_real(from, "cannot read number in real data block"); });
+             [](Reader& from) { return read_real(from, no_exponent); });
 }
 
 void wfn_basis_reorder(Molecule* molecule, const unsigned* centres, const unsigned* types,
