@@ -119,10 +119,12 @@ std::vector<NamedFile> files_of_run(const Molecule* molecule) {
   if (glob_file_config[0] != '\0') {
     files.push_back({"configuration file", glob_file_config});
   }
-  if (glob_file_output[0] != '\0') {
+  const bool has_report_file = glob_file_output[0] != '\0';
+  if (has_report_file) {
     files.push_back({"report", glob_file_output});
-  } else if (arg_quiet == 0) {
-    files.push_back({"report", "/dev/stdout"});
+  }
+  if (arg_quiet == 0 || arg_warning != 0) {  // else a cube file may be sent there
+    files.push_back({has_report_file ? "standard output" : "report", "/dev/stdout"});
   }
   for (const std::int16_t code : wanted_codes()) {
     for (const std::string& name : cube_file_names(molecule, code)) {

@@ -118,6 +118,11 @@ TEST(Fchk, WithoutAnyBetaSectionBetaOrbitalsAreZerosAndAWarningTells) {
               quiet ? "" : "warning: no beta orbitals in fchk file, beta electrons are left out\n");
   }
   EXPECT_EQ(printed([&] { read_fchk(whole), read_fchk(fchk_text()); }), "");
+  const std::string no_beta_electron = broken(text, "beta electrons  ", "beta electrons 0\n");
+  EXPECT_EQ(printed([&] { read_fchk(no_beta_electron); }), "");
+  const Breakage too_early[] = {{"Charge", "Beta MO coefficients\n 1\nBeta Orbital Energies\n 1\nCharge",
+                                 "missing section in fchk file - Beta MO coefficients"}};
+  expect_rejected(fcheck_read, text, too_early);
 }
 
 // What a cut leaves is rejected with one line, or it is as good as the whole file.

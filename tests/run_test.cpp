@@ -175,6 +175,7 @@ TEST_F(Run, NoTwoFilesOfARunAreTheSame) {
       {all + "hard\nCUBE_FILE_ORVA hard.1b", "", "error: cube file \"hard.1b\" and cube file \"hard.1b\""},
       {"CUBE_ONE_MODEN 3\nCUBE_FILE_MODEN m\nCUBE_FILE_DENSITY m.3a", "",
        "error: cube file \"m.3a\" and cube file \"m.3a\""},
+      {"", "-o .output", "error: report \".output\" and standard output \"/dev/stdout\""},
       {"CUBE_FILE_DENSITY .output", "", "error: report \"/dev/stdout\" and cube file \".output\""},
   };
   for (const auto& [config, arguments, message] : rows) {

@@ -80,7 +80,7 @@ TEST(Wfn, OrbitalsThatAreNotListedShareTheirZeros) {
 }
 
 TEST(Wfn, NoCutOfAFileGivesAnotherMolecule) {
-  for (const unsigned electrons : {2U, 4U}) {
+  for (const unsigned electrons : {0U, 2U, 4U}) {
     const std::string text = wfn_text(*read_text(fcheck_read, fchk_text({.electrons = electrons})));
     expect_cuts_rejected(wfn_read, text, text.find("END DATA"));
   }
@@ -103,6 +103,7 @@ TEST(Wfn, BadFilesEndTheRun) {
       {"  5.0000000000000000E-01  3.0000000000000000E+00", " 1.00000000100.12345678  2.0",
        "cannot read atomic coordinates"},
       {"  3.0000000000000000E+00\nCENTRE", " 3.00000000100.5\nCENTRE", "cannot read atomic coordinates"},
+      {"  3.0000000000000000E+00\nCENTRE", " 3.0D+00\nCENTRE", "cannot read atomic coordinates"},
       {"EXPONENTS ", "EXPONENTS Z ", "cannot read number in real data block"},
       {"CENTRE", nullptr, "unexpected end of file while reading data from WFN file"},
       {"\nEXPONENTS", nullptr, "unexpected end of file while reading data from WFN file"},

@@ -107,6 +107,13 @@ TEST(Graph, ChildrenStandInAtomOrder) {
   }
 }
 
+TEST(Distances, OfAnAtomToItselfIsZeroWhereverItLies) {
+  with_molecule({{0, 0, 0}, {HUGE_VAL, 0, 0}}, [](const Molecule*, double** distances) {
+    EXPECT_EQ(distances[1][1], 0.0);
+    EXPECT_EQ(distances[1][0], HUGE_VAL);
+  });
+}
+
 TEST(Graph, AtomsOutOfReachEndTheRun) {
   for (const double far : {1e6, std::nan("")}) {
     const Points points = {{0, 0, 0}, {1, 0, 0}, {far + 1, 0, 0}};
