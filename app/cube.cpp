@@ -94,8 +94,8 @@ void write_all_orbitals(const Molecule* molecule, const CubeDefinition* cube, st
         }
         comp_write_values(cube, block.of(place), stream);
       } catch (const std::bad_alloc&) {
-        // Nothing of this file is written yet. From here on one by one: the block has no memory for its
-        // sweep.
+        // No value of this file is written yet. The block leaves no memory for its sweep: one by one from
+        // here.
         block = {nullptr, 0, 0};
         comp_data(molecule, cube, code, number, stream, nullptr);
       }

@@ -48,13 +48,14 @@ struct Section {
 
 constexpr unsigned section_count = 22;
 
+enum class State : unsigned char { absent, met, read };  // met: too early, before the count of its values
+
 struct Input {
   Reader reader;
   Molecule* molecule;
   ShellTable shells;
   std::array<char, sizeof Molecule::title> line;  // the label line
-  std::array<bool, section_count> was_met;        // by section: its label
-  std::array<bool, section_count> was_read;       // its values
+  std::array<State, section_count> states;        // of the sections
 };
 
 [[noreturn]] void fail(const char* trouble, const Section& section) {
@@ -64,20 +65,19 @@ struct Input {
 // Scalars.
 
 std::uint64_t atom_values(std::uint64_t count) { return 4 * count; }  // the atomic number and coordinates
-std::uint64_t orbital_values(std::uint64_t count) {
-  return (count + 1) * count;
-}  // of one spin, with energies
+// Of one spin: energies and coefficients.
+std::uint64_t orbital_values(std::uint64_t count) { return (count + 1) * count; }
 std::uint64_t shell_values(std::uint64_t count) { return 3 * count; }
 std::uint64_t primitive_values(std::uint64_t count) { return 2 * count; }
 
-bool& was_read(Input& input, const Section& section);
+State& state_of(Input& input, const Section& section);
 
 template <unsigned Molecule::*target>
 void take_count(Input& input, const Section& section) {
   const int value = fcheck_last_int(input.line.data());
   const auto count = static_cast<unsigned>(value);
   unsigned& known = input.molecule->*target;
-  if (was_read(input, section)) {
+  if (state_of(input, section) == State::read) {
     if (known != count) {
       fail("contradictory count", section);
     }
@@ -229,8 +229,8 @@ constexpr std::array sections = {
 };
 static_assert(sections.size() == section_count);
 
-bool& was_read(Input& input, const Section& section) {
-  return input.was_read[static_cast<std::size_t>(&section - sections.data())];
+State& state_of(Input& input, const Section& section) {
+  return input.states[static_cast<std::size_t>(&section - sections.data())];
 }
 
 void read_heading(Input& input) {
@@ -254,11 +254,11 @@ void read_sections(Input& input) {
     if (section == sections.end()) {
       continue;
     }
-    input.was_met[static_cast<std::size_t>(section - sections.begin())] = true;
-    if (section->has_values(*input.molecule)) {
+    const bool has_values = section->has_values(*input.molecule);
+    if (has_values) {
       section->take(input, *section);
-      was_read(input, *section) = true;
     }
+    state_of(input, *section) = has_values ? State::read : State::met;
   }
 }
 
@@ -266,8 +266,7 @@ void read_sections(Input& input) {
 // was cut off, or has them before the count that they need.
 bool has_beta_orbitals(Input& input) {
   return std::any_of(sections.begin(), sections.end(), [&](const Section& section) {
-    return section.need == Need::beta_orbitals &&
-           input.was_met[static_cast<std::size_t>(&section - sections.data())];
+    return section.need == Need::beta_orbitals && state_of(input, section) != State::absent;
   });
 }
 
@@ -291,7 +290,8 @@ bool is_needed(Need need, Input& input) {
 
 void check_sections(Input& input) {
   for (const Section& section : sections) {
-    if (!was_read(input, section) && section.has_values(*input.molecule) && is_needed(section.need, input)) {
+    if (state_of(input, section) != State::read && section.has_values(*input.molecule) &&
+        is_needed(section.need, input)) {
       fail("missing section", section);
     }
   }
@@ -314,12 +314,7 @@ void check_electrons(const Molecule& molecule) {
 
 void fcheck_read(Molecule* molecule) {
   std::FILE* stream = file_open(glob_file_input, "r");
-  Input input = {.reader = Reader(stream),
-                 .molecule = molecule,
-                 .shells = {},
-                 .line = {},
-                 .was_met = {},
-                 .was_read = {}};
+  Input input = {.reader = Reader(stream), .molecule = molecule, .shells = {}, .line = {}, .states = {}};
   reorder_shell_init(&input.shells);
   read_heading(input);
   read_sections(input);

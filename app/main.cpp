@@ -13,7 +13,7 @@
 #include "wfn.hpp"
 
 int main(int argc, char** argv) try {
-  file_keep_standard_streams();
+  file_prepare_process();
   argument(argc, argv);
 
   CubeDefinition cube;

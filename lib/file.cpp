@@ -7,6 +7,7 @@
 #include <array>
 #include <cerrno>
 #include <compare>
+#include <csignal>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -116,7 +117,8 @@ void file_flush_output() {
 
 bool file_is_any_incomplete() { return any_incomplete; }
 
-void file_keep_standard_streams() {
+void file_prepare_process() {
+  std::signal(SIGXFSZ, SIG_IGN);
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(descriptor, F_GETFD) < 0) {
       open("/", O_RDONLY);  // takes the lowest free descriptor: this one

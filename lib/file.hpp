@@ -20,9 +20,10 @@ void file_flush_output();
 /// Whether some text could not be written so far: such a run is not complete.
 bool file_is_any_incomplete();
 
-/// Opens a directory in the place of standard streams that are closed, so that no file that is opened later
-/// becomes standard output or standard error. To write to such a stream, or to open it by name, still fails.
-void file_keep_standard_streams();
+/// For the start of a process. Opens a directory in the place of standard streams that are closed, so that no
+/// file that is opened later becomes standard output or standard error; to write to such a stream, or to open
+/// it by name, still fails. A file that reaches its size limit is a failed write from here on, not a signal.
+void file_prepare_process();
 
 /// A file that a run reads or writes, with the word by which messages call it.
 struct NamedFile {

@@ -10,6 +10,7 @@
 #include <limits>
 #include <system_error>
 
+#include "message.hpp"
 #include "string.hpp"
 
 namespace {
@@ -43,6 +44,9 @@ void Reader::load() {
   char* const free = std::copy(next_, end_, buffer_.data());
   const auto room = static_cast<std::size_t>(buffer_.data() + buffer_.size() - free);
   const std::size_t loaded = std::fread(free, 1, room, stream_);
+  if (std::ferror(stream_) != 0) {
+    msg_fatal("cannot read file");  // what is missing must not pass for the end
+  }
   if (unloaded_ != unknown_size) {
     unloaded_ -= std::min<std::uint64_t>(loaded, unloaded_);
   }

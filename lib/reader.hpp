@@ -9,7 +9,8 @@
 #include <string_view>
 
 /// Buffered reading of one text file: lines in pieces, and numbers as the C library's formatted input takes
-/// them, at the speed of memory. While a Reader reads a stream, nobody else may.
+/// them, at the speed of memory. A read that fails ends the run with "cannot read file". While a Reader reads
+/// a stream, nobody else may.
 class Reader {
  public:
   /// Reads from the stream's current position; the stream stays the caller's.

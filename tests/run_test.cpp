@@ -204,6 +204,8 @@ TEST_F(Run, StatusIsZeroForACompleteRunOnly) {
       {"CUBE_FILE_ORVA /dev/full", program + run_lih + "-q", 1, lost},
       {"", program + run_lih + "-o /dev/full", 1, lost},
       {"", program + run_lih + ">/dev/full", 1, lost},
+      {"\nCUBE_ORVA 0\nDEFINE_CUBE 1\n0 0 0\n1 0 0\n0 1 0\n0 0 1\n9 9 99\n",
+       "ulimit -f 8; " + program + run_lih + "-q", 1, lost},
       {"", program + run_lih + ">&- 2>&-", 1, ""},
       {"", program + run_lih + "-q >/dev/full", 0, ""},
       {"", program + run_lih + "-q >&- 2>&- <&-", 0, ""},
@@ -269,18 +271,6 @@ TEST_F(Run, MemoryThatIsMissingIsAnErrorLine) {
   const auto [status, output] =
       run_command(here, "ulimit -v 40000; " ORVA_PROGRAM " -q -i long.fchk -t fchk");
   EXPECT_EQ(std::pair(status, output), std::pair(1, std::string("error: cannot allocate memory\n")));
-
-  std::string text =
-      "many primitives\n" + formatted("%18d", 1) + formatted("%24d", 20000) + formatted("%18d\n", 1);
-  text += "  H                     0.0 0.0 0.0\n" +
-          lines_of(Numbers(20000, 1), "%3.0f", 20, "CENTRE ASSIGNMENTS  ");
-  text += lines_of(Numbers(20000, 1), "%3.0f", 20, "TYPE ASSIGNMENTS    ");
-  text += lines_of(Numbers(20000, 0.5), "%14.7E", 5, "EXPONENTS ") + std::string(63, ' ') + "-0.5\n";
-  text += lines_of(Numbers(20000, 0.1), "%16.8E", 5) + "END DATA\n";
-  write_file(here / "many.wfn", text);
-  write_file(here / "config", grid + "CUBE_ONE_MO 1\nCUBE_ONE_SPEC 20000");
-  EXPECT_EQ(run_command(here, "ulimit -v 100000; " ORVA_PROGRAM " -q -i many.wfn -t wfn"),
-            std::pair(0, std::string()));
 }
 #endif
 
@@ -301,6 +291,7 @@ TEST_F(Run, WrongCommandLinesAndInputsEndWithOneMessage) {
       {"-i lih.fchk -t FCHK", "error: unknown format of input file\n"},
       {run_lih + "-o " + std::string(256, 'o'), "error: argument is longer than 255 characters\n"},
       {"-t wfn -i none", "error: cannot open file \"none\"\n"},
+      {"-t wfn -i .", "error: cannot read file\n"},
       {"-t wfn -i none -qw -c none", no_config + "error: cannot open file \"none\"\n"},
       {run_lih + "-q -o no/report", "error: cannot open file \"no/report\"\n"},
   };

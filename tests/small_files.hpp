@@ -195,28 +195,46 @@ inline void expect_rejected(ReadInput read, const std::string& text, std::span<c
 /// Thrown in the place of the end of the process.
 struct FatalError {};
 
-/// Reads every beginning of a text in a child process. Those shorter than `needed` must be rejected, all
-/// others give the same molecule as the whole, and so does one that is a whole file of its own.
+/// All numbers that a reader has taken: those of a WFN file, and the beta orbitals.
+inline std::string all_numbers(const Molecule& molecule) {
+  std::string text = wfn_text(molecule);
+  for (const Orbital& orbital :
+       std::span(molecule.beta_orbitals, molecule.beta_orbitals != nullptr ? molecule.basis_count : 0)) {
+    const double* const coefficients = orbital.coefficients;
+    text += formatted("%a", orbital.energy) +
+            lines_of({coefficients, coefficients + molecule.basis_count}, "%a ", 9);
+  }
+  return text;
+}
+
+/// Reads every beginning of a text in a child process. Those shorter than `needed` must be rejected with one
+/// line, all others give the same molecule as the whole. Only the one that is a whole file of its own may
+/// give another.
 inline void expect_cuts_rejected(ReadInput read, const std::string& text, std::size_t needed,
                                  std::size_t whole = std::string::npos) {
   const auto read_cuts = [&] {
-    const std::string expected = wfn_text(*read_text(read, text));
+    const std::string expected = all_numbers(*read_text(read, text));
     msg_error_fce_set([](void*, void*) { throw FatalError(); }, nullptr, nullptr);
-    std::freopen("/dev/null", "w", stdout);
     const Scratch scratch;
     for (std::size_t length = 0; length < text.size(); ++length) {
+      std::freopen((scratch / "messages").c_str(), "w", stdout);
       set_input(scratch, text.substr(0, length));
       Molecule molecule{};
       msg_ef.armed = 1;
+      std::string result = "taken";
       try {
         read(&molecule);
-        if ((length < needed && length != whole) || wfn_text(molecule) != expected) {
-          std::fprintf(stderr, "taken for the whole: the first %zu characters\n", length);
-        }
+        result += all_numbers(molecule) == expected ? " for the whole" : " for another";
       } catch (const FatalError&) {
-        if (length >= needed) {
-          std::fprintf(stderr, "rejected: the first %zu characters\n", length);
-        }
+        std::fflush(stdout);
+        const std::string message = read_file(scratch / "messages");
+        const bool is_one_line = message.starts_with("error: ") && message.find('\n') == message.size() - 1;
+        result = is_one_line ? "rejected" : "rejected with " + message;
+      }
+      if (result != (length < needed && length != whole ? "rejected"
+                     : length == whole                  ? "taken for another"
+                                                        : "taken for the whole")) {
+        std::fprintf(stderr, "%s: the first %zu characters\n", result.c_str(), length);
       }
     }
     std::fflush(stderr);
