@@ -2,8 +2,11 @@
 
 #include <array>
 #include <cstddef>
+#include <string_view>
 #include <tuple>
 #include <utility>
+
+#include "shell.hpp"
 
 // What the angular factors of all shells are made of. A factor is a function of the point relative to the
 // centre (x, y, z in bohr), written once for one double and for a pack.
@@ -11,20 +14,44 @@
 template <class Real>
 using Vector = std::array<Real, 3>;
 
-/// Product of coordinates, one for each axis number given (0 x, 1 y, 2 z), from the left.
+/// Product of coordinates, one for each axis number given (0 x, 1 y, 2 z), from the left; 1 if there is none.
 template <std::size_t Degree>
 struct AxisProduct {
-  unsigned char axes[Degree];
+  std::array<unsigned char, Degree> axes;
 
   template <class Real>
   Real operator()(const Vector<Real>& r) const {
-    Real product = r[axes[0]];
-    for (std::size_t i = 1; i < Degree; ++i) {
-      product = product * r[axes[i]];
+    if constexpr (Degree == 0) {
+      return 1.0;
+    } else {
+      Real product = r[axes[0]];
+      for (std::size_t i = 1; i < Degree; ++i) {
+        product = product * r[axes[i]];
+      }
+      return product;
     }
-    return product;
   }
 };
+
+/// The product that a monomial such as "xxz" names.
+template <std::size_t Degree>
+constexpr AxisProduct<Degree> axis_product(std::string_view monomial) {
+  AxisProduct<Degree> product{};
+  for (std::size_t i = 0; i < Degree; ++i) {
+    product.axes[i] = static_cast<unsigned char>(monomial[i] - 'x');
+  }
+  return product;
+}
+
+/// The angular factors of the Cartesian shell of angular momentum L, in the order of its components.
+template <unsigned L>
+inline constexpr auto cartesian_factors = [] {
+  std::array<AxisProduct<L>, shell_function_count(L)> factors{};
+  for (unsigned component = 0; component < factors.size(); ++component) {
+    factors[component] = axis_product<L>(shell_monomial(L, component));
+  }
+  return factors;
+}();
 
 /// What the rounded product a·b lacks, exactly (T. J. Dekker, Numer. Math. 18, 224, 1971).
 template <class Real>
@@ -47,8 +74,8 @@ Real cubed(const Real& v) {
   return cube + (product_error(square, v, cube) + square_error * v);
 }
 
-/// Calls `use` with the factor of a component out of a tuple of all components' factors; not at all for a
-/// component out of range. The one factor of an s shell is taken for whatever component.
+/// Calls `use` with the factor of a component out of a tuple or array of all components' factors; not at all
+/// for a component out of range. The one factor of an s shell is taken for whatever component.
 template <class Factors, class Use>
 void angular_select(const Factors& factors, int component, Use use) {
   if constexpr (std::tuple_size_v<Factors> == 1) {

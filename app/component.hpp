@@ -35,8 +35,8 @@ double prim_with(const BasisFunction* function, unsigned i, const double* point,
   return prim_value(norm_fce(function, i), prim_fce_exp(function, i, point), angular(offset));
 }
 
-/// The same with the factor of the function's component out of a tuple of all components' factors; 0.0 for a
-/// component out of range (an s shell has one for all).
+/// The same with the factor of the function's component, as angular_select takes it; 0.0 for a component out
+/// of range.
 template <class Factors>
 double prim_component(const Factors& factors, const BasisFunction* function, unsigned i,
                       const double* point) {

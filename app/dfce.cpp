@@ -3,14 +3,14 @@
 #include "component.hpp"
 
 void dfce_d6_id(const BasisFunction* function, unsigned* a, unsigned* b) {
-  angular_select(d6_factors, function->component, [&](const AxisProduct<2>& factor) {
+  angular_select(cartesian_factors<2>, function->component, [&](const AxisProduct<2>& factor) {
     *a = factor.axes[0];
     *b = factor.axes[1];
   });
 }
 
 double dfce_d6(const BasisFunction* function, unsigned i, const double* point) {
-  return prim_component(d6_factors, function, i, point);
+  return prim_component(cartesian_factors<2>, function, i, point);
 }
 
 double dfce_d5(const BasisFunction* function, unsigned i, const double* point) {

@@ -100,7 +100,7 @@ void take_charge(Input& input, const Section&) {
 
 void check_angular_momentum(Input& input, const Section&) {
   const int momentum = fcheck_last_int(input.line.data());
-  if (momentum < 0 || momentum > 4) {
+  if (momentum < 0 || momentum > shell_max) {
     msg_fatal("maximal anglular momentum exceeds limit");
   }
 }

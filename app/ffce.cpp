@@ -3,7 +3,7 @@
 #include "component.hpp"
 
 void ffce_f10_id(const BasisFunction* function, unsigned* a, unsigned* b, unsigned* c) {
-  angular_select(f10_factors, function->component, [&](const AxisProduct<3>& factor) {
+  angular_select(cartesian_factors<3>, function->component, [&](const AxisProduct<3>& factor) {
     *a = factor.axes[0];
     *b = factor.axes[1];
     *c = factor.axes[2];
@@ -11,7 +11,7 @@ void ffce_f10_id(const BasisFunction* function, unsigned* a, unsigned* b, unsign
 }
 
 double ffce_f10(const BasisFunction* function, unsigned i, const double* point) {
-  return prim_component(f10_factors, function, i, point);
+  return prim_component(cartesian_factors<3>, function, i, point);
 }
 
 double ffce_f7(const BasisFunction* function, unsigned i, const double* point) {

@@ -19,7 +19,7 @@ inline constexpr auto f7_x2zy2z = [](const auto& r) {
   const auto& [x, y, z] = r;
   return z * (x * x - y * y);
 };
-inline constexpr AxisProduct<3> f7_xyz = {{0, 1, 2}};
+inline constexpr AxisProduct<3> f7_xyz = axis_product<3>("xyz");
 inline constexpr auto f7_x3y2x = [](const auto& r) {
   const auto& [x, y, z] = r;
   return cubed(x) - 3.0 * x * (y * y);
@@ -29,18 +29,12 @@ inline constexpr auto f7_x2yy3 = [](const auto& r) {
   return 3.0 * (x * x) * y - cubed(y);
 };
 
-/// Angular factors in the order of the components: Cartesian xxx, yyy, zzz, xyy, xxy, xxz, xzz, yzz, yyz,
-/// xyz, and pure with m = 0, 1, -1, 2, -2, 3, -3.
-inline constexpr std::tuple f10_factors = {AxisProduct<3>{{0, 0, 0}}, AxisProduct<3>{{1, 1, 1}},
-                                           AxisProduct<3>{{2, 2, 2}}, AxisProduct<3>{{0, 1, 1}},
-                                           AxisProduct<3>{{0, 0, 1}}, AxisProduct<3>{{0, 0, 2}},
-                                           AxisProduct<3>{{0, 2, 2}}, AxisProduct<3>{{1, 2, 2}},
-                                           AxisProduct<3>{{1, 1, 2}}, AxisProduct<3>{{0, 1, 2}}};
+/// Angular factors of the pure functions with m = 0, 1, -1, 2, -2, 3, -3.
 inline constexpr std::tuple f7_factors = {f7_z3r2z, f7_z2xr2x<0>, f7_z2xr2x<1>, f7_x2zy2z,
                                           f7_xyz,   f7_x3y2x,     f7_x2yy3};
-static_assert(std::tuple_size_v<decltype(f10_factors)> == 10 && std::tuple_size_v<decltype(f7_factors)> == 7);
+static_assert(std::tuple_size_v<decltype(f7_factors)> == shell_function_count(-3));
 
-/// Axis numbers of a Cartesian f function (0 x, 1 y, 2 z); untouched for a component out of range.
+/// Axis numbers of a Cartesian function (0 x, 1 y, 2 z); untouched for a component out of range.
 void ffce_f10_id(const BasisFunction* function, unsigned* a, unsigned* b, unsigned* c);
 
 /// Value of primitive `i` at the point (x, y, z in bohr), bohr^(-3/2); 0.0 for a component out of range.

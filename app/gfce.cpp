@@ -1,19 +1,20 @@
 #include "gfce.hpp"
 
+#include <algorithm>
+
 #include "component.hpp"
 
 void gfce_g15_id(const BasisFunction* function, unsigned* lx, unsigned* ly, unsigned* lz) {
-  const int component = function->component;
-  if (component >= 0 && component < static_cast<int>(g15_powers.size())) {
-    const Powers& powers = g15_powers[static_cast<std::size_t>(component)];
-    *lx = powers.x;
-    *ly = powers.y;
-    *lz = powers.z;
-  }
+  angular_select(cartesian_factors<4>, function->component, [&](const AxisProduct<4>& factor) {
+    const auto power = [&](int axis) { return static_cast<unsigned>(std::ranges::count(factor.axes, axis)); };
+    *lx = power(0);
+    *ly = power(1);
+    *lz = power(2);
+  });
 }
 
 double gfce_g15(const BasisFunction* function, unsigned i, const double* point) {
-  return prim_component(g15_factors, function, i, point);
+  return prim_component(cartesian_factors<4>, function, i, point);
 }
 
 double gfce_g9(const BasisFunction* function, unsigned i, const double* point) {
@@ -25,11 +26,11 @@ double gfce_g9_z4z2r2r4(const BasisFunction* function, unsigned i, const double*
 }
 
 double gfce_g9_z3xr2xz(const BasisFunction* function, unsigned i, const double* point) {
-  return prim_with(function, i, point, g9_z3xr2xz);
+  return prim_with(function, i, point, g9_z3xr2xz<0>);
 }
 
 double gfce_g9_z3yr2yz(const BasisFunction* function, unsigned i, const double* point) {
-  return prim_with(function, i, point, g9_z3yr2yz);
+  return prim_with(function, i, point, g9_z3xr2xz<1>);
 }
 
 double gfce_g9_x2y2z2(const BasisFunction* function, unsigned i, const double* point) {

@@ -1,15 +1,14 @@
 #include "norm.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <limits>
-#include <span>
+#include <numbers>
+
+#include "shell.hpp"
 
 namespace {
-
-constexpr double pi = 3.141592653589793;
-constexpr double pi_cubed = 31.006276680299816;
 
 // M, and D·π³ as a double.
 struct Norm {
@@ -17,21 +16,30 @@ struct Norm {
   double divisor;
 };
 
-constexpr Norm make(double m, double d) { return {m, d * pi_cubed}; }
+constexpr Norm make(double m, double d) {
+  constexpr double pi_cubed = std::numbers::pi * std::numbers::pi * std::numbers::pi;
+  return {m, d * pi_cubed};
+}
 
-// The classes of a Cartesian shell follow each other: a class holds the components up to its last.
-struct NormClass {
-  int last;
-  Norm norm;
-};
+// Of the monomial x^lx·y^ly·z^lz, l = lx + ly + lz: M = 2^(4l+3), D = ((2lx-1)!!·(2ly-1)!!·(2lz-1)!!)².
+constexpr Norm norm_of_monomial(std::string_view monomial) {
+  double root = 1.0;
+  for (const char axis : {'x', 'y', 'z'}) {
+    for (auto power = std::ranges::count(monomial, axis); power > 0; --power) {
+      root *= static_cast<double>(2 * power - 1);
+    }
+  }
+  return make(static_cast<double>(1U << (4 * monomial.size() + 3)), root * root);
+}
 
-constexpr int all = std::numeric_limits<int>::max();
-
-constexpr std::array d6_classes = {NormClass{2, make(2048, 9)}, NormClass{all, make(2048, 1)}};
-constexpr std::array f10_classes = {NormClass{2, make(32768, 225)}, NormClass{8, make(32768, 9)},
-                                    NormClass{all, make(32768, 1)}};
-constexpr std::array g15_classes = {NormClass{2, make(524288, 11025)}, NormClass{8, make(524288, 225)},
-                                    NormClass{11, make(524288, 81)}, NormClass{all, make(524288, 9)}};
+template <unsigned L>
+constexpr auto cartesian_norms = [] {
+  std::array<Norm, shell_function_count(L)> norms{};
+  for (unsigned component = 0; component < norms.size(); ++component) {
+    norms[component] = norm_of_monomial(shell_monomial(L, component));
+  }
+  return norms;
+}();
 
 constexpr std::array d5_norms = {make(128, 9), make(2048, 1), make(2048, 1), make(128, 1), make(2048, 1)};
 constexpr std::array f7_norms = {make(2048, 225), make(512, 25), make(512, 25), make(2048, 1),
@@ -40,43 +48,54 @@ constexpr std::array f7_norms = {make(2048, 225), make(512, 25), make(512, 25), 
 constexpr std::array g9_norms = {make(8192, 793881), make(8192, 441),  make(8192, 441),
                                  make(8192, 2601),   make(32768, 441), make(8192, 9),
                                  make(8192, 9),      make(128, 9),     make(32768, 9)};
-static_assert(d5_norms.size() == 5 && f7_norms.size() == 7 && g9_norms.size() == 9);
-static_assert(g9_norms[0].divisor == 24615293.937233098 && g9_norms[3].divisor == 80647.32564545982 &&
-              g15_classes[0].norm.divisor == 341844.20040030545 && f7_norms[0].divisor == 6976.412253067459);
+static_assert(d5_norms.size() == shell_function_count(-2) && f7_norms.size() == shell_function_count(-3) &&
+              g9_norms.size() == shell_function_count(-4));
 
-double norm_of(const Norm& norm, double power, double exponent) {
-  return std::pow(norm.m * std::pow(exponent, power) / norm.divisor, 0.25);
+// To the last bit, in every compiler.
+constexpr bool is(const Norm& norm, double m, double divisor) {
+  return norm.m == m && norm.divisor == divisor;
+}
+static_assert(is(cartesian_norms<1>[2], 128, 31.006276680299816) &&
+              is(cartesian_norms<2>[0], 2048, 279.05649012269834) &&
+              is(cartesian_norms<2>[5], 2048, 31.006276680299816) &&
+              is(cartesian_norms<3>[2], 32768, 6976.412253067459) &&
+              is(cartesian_norms<3>[8], 32768, 279.05649012269834) &&
+              is(cartesian_norms<3>[9], 32768, 31.006276680299816) &&
+              is(cartesian_norms<4>[2], 524288, 341844.20040030545) &&
+              is(cartesian_norms<4>[8], 524288, 6976.412253067459) &&
+              is(cartesian_norms<4>[11], 524288, 2511.508411104285) &&
+              is(cartesian_norms<4>[14], 524288, 279.05649012269834) &&
+              is(g9_norms[0], 8192, 24615293.937233098) && is(g9_norms[3], 8192, 80647.32564545982));
+
+double norm_of(const Norm& norm, unsigned l, double exponent) {
+  return std::pow(norm.m * std::pow(exponent, 2.0 * l + 3.0) / norm.divisor, 0.25);
 }
 
-double cartesian(std::span<const NormClass> classes, int component, double power, double exponent) {
-  std::size_t at = 0;
-  while (component > classes[at].last) {
-    ++at;
-  }
-  return norm_of(classes[at].norm, power, exponent);
+template <unsigned L>
+double cartesian(int component, double exponent) {
+  constexpr const auto& norms = cartesian_norms<L>;
+  const int nearest = std::clamp(component, 0, static_cast<int>(norms.size()) - 1);
+  return norm_of(norms[static_cast<std::size_t>(nearest)], L, exponent);
 }
 
-double pure(std::span<const Norm> norms, int component, double power, double exponent) {
-  if (component < 0 || component >= static_cast<int>(norms.size())) {
+template <std::size_t Count>
+double pure(const std::array<Norm, Count>& norms, int component, double exponent) {
+  if (component < 0 || component >= static_cast<int>(Count)) {
     return 0.0;
   }
-  return norm_of(norms[static_cast<std::size_t>(component)], power, exponent);
+  return norm_of(norms[static_cast<std::size_t>(component)], (Count - 1) / 2, exponent);
 }
 
 }  // namespace
 
-double norm_fce_s(double exponent) { return std::pow((exponent + exponent) / pi, 0.75); }
-double norm_fce_p(double exponent) { return norm_of(make(128, 1), 5.0, exponent); }
-double norm_fce_d6(int component, double exponent) { return cartesian(d6_classes, component, 7.0, exponent); }
-double norm_fce_d5(int component, double exponent) { return pure(d5_norms, component, 7.0, exponent); }
-double norm_fce_f10(int component, double exponent) {
-  return cartesian(f10_classes, component, 9.0, exponent);
-}
-double norm_fce_f7(int component, double exponent) { return pure(f7_norms, component, 9.0, exponent); }
-double norm_fce_g15(int component, double exponent) {
-  return cartesian(g15_classes, component, 11.0, exponent);
-}
-double norm_fce_g9(int component, double exponent) { return pure(g9_norms, component, 11.0, exponent); }
+double norm_fce_s(double exponent) { return std::pow((exponent + exponent) / std::numbers::pi, 0.75); }
+double norm_fce_p(double exponent) { return cartesian<1>(0, exponent); }
+double norm_fce_d6(int component, double exponent) { return cartesian<2>(component, exponent); }
+double norm_fce_d5(int component, double exponent) { return pure(d5_norms, component, exponent); }
+double norm_fce_f10(int component, double exponent) { return cartesian<3>(component, exponent); }
+double norm_fce_f7(int component, double exponent) { return pure(f7_norms, component, exponent); }
+double norm_fce_g15(int component, double exponent) { return cartesian<4>(component, exponent); }
+double norm_fce_g9(int component, double exponent) { return pure(g9_norms, component, exponent); }
 
 double norm_fce(const BasisFunction* function, unsigned i) {
   const double exponent = function->exponents[i];

@@ -9,7 +9,7 @@
 double norm_fce(const BasisFunction* function, unsigned i);
 
 /// Constants of each kind of shell for an exponent in bohr^-2. A component out of range gets the constant
-/// of the nearest class in a Cartesian shell and 0.0 in a pure one.
+/// of the nearest one in a Cartesian shell and 0.0 in a pure one.
 double norm_fce_s(double exponent);
 double norm_fce_p(double exponent);
 double norm_fce_d6(int component, double exponent);

@@ -8,5 +8,5 @@ double prim_fce(const BasisFunction* function, unsigned i, const double* point) 
 }
 
 double prim_fce_p(const BasisFunction* function, unsigned i, const double* point) {
-  return prim_component(p_factors, function, i, point);
+  return prim_component(cartesian_factors<1>, function, i, point);
 }

@@ -8,24 +8,22 @@
 
 // Primitives of any shell: which angular factors a shell type has.
 
-inline constexpr std::tuple s_factors = {[]<class Real>(const Vector<Real>&) { return Real(1.0); }};
-inline constexpr std::tuple p_factors = {AxisProduct<1>{{0}}, AxisProduct<1>{{1}}, AxisProduct<1>{{2}}};
-
-/// Calls `use` with the tuple of the angular factors of all components of a shell; each is a callable from a
-/// Vector<Real> to a Real. Not called for a shell type that does not exist: its functions are 0 everywhere.
+/// Calls `use` with the tuple or array of the angular factors of all components of a shell; each is a
+/// callable from a Vector<Real> to a Real. Not called for a shell type that does not exist: its functions are
+/// 0 everywhere.
 template <class Use>
 void prim_shell(int type, Use use) {
   switch (type) {
     case 0:
-      return use(s_factors);
+      return use(cartesian_factors<0>);
     case 1:
-      return use(p_factors);
+      return use(cartesian_factors<1>);
     case 2:
-      return use(d6_factors);
+      return use(cartesian_factors<2>);
     case 3:
-      return use(f10_factors);
+      return use(cartesian_factors<3>);
     case 4:
-      return use(g15_factors);
+      return use(cartesian_factors<4>);
     case -2:
       return use(d5_factors);
     case -3:

@@ -14,8 +14,6 @@ constexpr const char* wrong_primitives = "wrong base reorder - number of primiti
 
 constexpr const char* missing_array = "wrong base reorder - missing array";
 
-constexpr int highest_code = 4;
-
 double* copy(const double* values, unsigned count) {
   double* vector = vec_falloc(count);
   std::copy_n(values, count, vector);
@@ -85,7 +83,7 @@ void reorder_basis(Molecule* molecule, ShellTable* shells) {
   unsigned primitive = 0;
   for (unsigned shell = 0; shell < molecule->shell_count; ++shell) {
     const int code = shells->types[shell];
-    if (code < -highest_code || code > highest_code) {
+    if (code < -shell_max || code > shell_max) {
       msg_fatal_format("unknown shell type %d", code);
     }
     const auto type = static_cast<short>(code);

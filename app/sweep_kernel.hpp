@@ -212,10 +212,10 @@ class SweepKernelFor {
   }
 
   // The functions of a shell at one pack, summed over `count` primitives from `first` on.
-  template <class Count, class... Angular>
+  template <class Count, class Angular>
   static void evaluate_pack(const SweepBlock& block, const SweepShell& shell, const Surroundings& around,
-                            unsigned s, unsigned first, Count count, const std::tuple<Angular...>& angular) {
-    constexpr std::size_t functions = sizeof...(Angular);
+                            unsigned s, unsigned first, Count count, const Angular& angular) {
+    constexpr std::size_t functions = std::tuple_size_v<Angular>;
     const auto factors =
         std::apply([&](const auto&... one) { return std::array{one(around.offset[s])...}; }, angular);
     const double* const norms = shell.norms + first * functions;

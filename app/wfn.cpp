@@ -15,6 +15,7 @@
 #include "message.hpp"
 #include "reader.hpp"
 #include "setup.hpp"
+#include "shell.hpp"
 #include "str_trim.hpp"
 #include "string.hpp"
 #include "vec_base.hpp"
@@ -31,19 +32,6 @@ constexpr unsigned primitive_count_column = 38;
 constexpr unsigned nucleus_count_column = 56;
 constexpr unsigned coordinate_column = 25;
 constexpr unsigned energy_column = 64;
-
-struct TypeRange {
-  unsigned first, last;  // type numbers, one per component
-  short type;            // shell type code
-};
-
-constexpr std::array type_ranges = {
-    TypeRange{1, 1, 0},    //
-    TypeRange{2, 4, 1},    //
-    TypeRange{5, 10, 2},   //
-    TypeRange{11, 20, 3},  //
-    TypeRange{21, 35, 4},
-};
 
 Line read_line(Reader& reader, const char* failure) {
   Line line;
@@ -95,6 +83,21 @@ void read_block(Number* values, unsigned count, unsigned per_line, unsigned labe
       msg_fatal("unexpected end of file while reading data from WFN file");
     }
     values[i] = read_value(reader);
+  }
+}
+
+// Type numbers count from 1 through the components of the Cartesian shells. Any other is an s function: all
+// zeros.
+void set_type(BasisFunction& function, unsigned type_number) {
+  unsigned first = 1;
+  for (short type = 0; type <= shell_max; ++type) {
+    const unsigned component = type_number - first;  // huge if the number lies before
+    const unsigned count = shell_function_count(type);
+    if (component < count) {
+      function.type = function.shell_type = type;
+      function.component = static_cast<short>(component);
+    }
+    first += count;
   }
 }
 
@@ -194,13 +197,7 @@ void wfn_basis_reorder(Molecule* molecule, const unsigned* centres, const unsign
       msg_fatal("shell atom index exceedes number of atoms");
     }
     BasisFunction& function = molecule->basis[i];
-    // An unknown type number is an s function: all zeros.
-    for (const TypeRange& range : type_ranges) {
-      if (types[i] >= range.first && types[i] <= range.last) {
-        function.type = function.shell_type = range.type;
-        function.component = static_cast<short>(types[i] - range.first);
-      }
-    }
+    set_type(function, types[i]);
     function.primitive_count = 1;
     function.atom_index = centres[i] - 1;
     function.atom = &molecule->atoms[function.atom_index];
