@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "eval.hpp"
+#include "occupation.hpp"
 #include "progress.hpp"
 #include "str_real.hpp"
 #include "sweep.hpp"
-#include "vec_base.hpp"
 
 double* comp_bfce_vec = nullptr;
 
@@ -122,7 +122,7 @@ double extent_of(const CubeDefinition* cube) {
 
 std::vector<const Orbital*> occupied_orbitals(const Molecule* molecule) {
   std::vector<const Orbital*> orbitals;
-  for (const OccupiedOrbitals& spin : eval_occupation(molecule).spin) {
+  for (const OccupiedOrbitals& spin : occupation_of(molecule).spin) {
     for (unsigned i = 0; i < spin.count; ++i) {
       orbitals.push_back(&spin.orbitals[i]);
     }
@@ -134,15 +134,14 @@ std::vector<const Orbital*> occupied_orbitals(const Molecule* molecule) {
 template <class Take>
 void sweep_grid(const CubeDefinition* cube, Sweep& sweep, Take take) {
   std::vector<double> points(3 * std::size_t{sweep.block_points()});
-  comp_bfce_vec = vec_falloc(sweep.value_count());
+  comp_bfce_vec = sweep.values();
   GridWalk walk(cube);
   Progress progress;
   while (const unsigned count = walk.next(points.data(), sweep.block_points())) {
-    sweep.run(count, points.data(), comp_bfce_vec);
+    sweep.run(count, points.data());
     take(count);
     progress.show(walk.part_done());
   }
-  vec_ffree(comp_bfce_vec);
   comp_bfce_vec = nullptr;
 }
 

@@ -21,7 +21,6 @@ namespace {
 constexpr unsigned line_size = 1024;  // of the buffer of a line, terminator included
 constexpr unsigned word_size = 32;    // of the buffers of name and setting, terminator included
 
-constexpr const char* default_config = "config";
 constexpr const char* bad_name = "wrong format of config file - item name";
 constexpr const char* bad_setting = "wrong format of config file - setting";
 
@@ -151,7 +150,7 @@ void read_point_counts(Reader* stream, CubeDefinition* cube) {
 void conf_read(CubeDefinition* cube) {
   std::FILE* file = open_if_file(glob_file_config);
   if (file == nullptr) {
-    std::snprintf(glob_file_config, file_name_size, "%s", default_config);
+    std::snprintf(glob_file_config, file_name_size, "%s", standard_config_file);
     file = open_if_file(glob_file_config);
   }
   if (file == nullptr) {

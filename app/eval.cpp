@@ -2,17 +2,24 @@
 
 #include <cmath>
 
+#include "occupation.hpp"
 #include "prim.hpp"
-#include "setup.hpp"
 
-Occupation eval_occupation(const Molecule* molecule) {
-  if (inp_rest_scf != 0) {
-    return {true, {{molecule->alpha_orbitals, molecule->electron_count / 2}, {nullptr, 0}}};
+namespace {
+
+OccupiedSums<double> occupied_sums(const Molecule* molecule, const double* values,
+                                   const Occupation& occupation) {
+  OccupiedSums<double> sums;
+  for (const OccupiedOrbitals& spin : occupation.spin) {
+    for (unsigned i = 0; i < spin.count; ++i) {
+      const Orbital* orbital = &spin.orbitals[i];
+      sums.add(eval_mo(orbital, values, molecule->basis_count), std::fabs(orbital->energy));
+    }
   }
-  return {false,
-          {{molecule->alpha_orbitals, molecule->alpha_electron_count},
-           {molecule->beta_orbitals, molecule->beta_electron_count}}};
+  return sums;
 }
+
+}  // namespace
 
 void eval_bfce_vec(const Molecule* molecule, const double* point, double* values) {
   for (unsigned b = 0; b < molecule->basis_count; ++b) {
@@ -37,30 +44,14 @@ double eval_mo_den(const Orbital* orbital, const double* values, unsigned n) {
   return eval_square(eval_mo(orbital, values, n));
 }
 
-namespace {
-
-OccupiedSums<double> occupied_sums(const Molecule* molecule, const double* values,
-                                   const Occupation& occupation) {
-  OccupiedSums<double> sums;
-  for (const OccupiedOrbitals& spin : occupation.spin) {
-    for (unsigned i = 0; i < spin.count; ++i) {
-      const Orbital* orbital = &spin.orbitals[i];
-      sums.add(eval_mo(orbital, values, molecule->basis_count), std::fabs(orbital->energy));
-    }
-  }
-  return sums;
-}
-
-}  // namespace
-
 double eval_den(const Molecule* molecule, const double* values) {
-  const Occupation occupation = eval_occupation(molecule);
-  return eval_total(occupied_sums(molecule, values, occupation), occupation.restricted);
+  const Occupation occupation = occupation_of(molecule);
+  return eval_total(occupied_sums(molecule, values, occupation), occupation.is_restricted);
 }
 
 void eval_orva(const Molecule* molecule, const double* values, double* density, double* orva) {
-  const Occupation occupation = eval_occupation(molecule);
+  const Occupation occupation = occupation_of(molecule);
   const OccupiedSums<double> sums = occupied_sums(molecule, values, occupation);
-  *density = eval_total(sums, occupation.restricted);
-  *orva = eval_potential(sums, occupation.no_pairs());
+  *density = eval_total(sums, occupation.is_restricted);
+  *orva = eval_potential(sums, occupation.has_no_pairs());
 }

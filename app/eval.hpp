@@ -8,22 +8,6 @@
 // Fields from the wavefunction at a point. The formulas are templates over the number type: one double here,
 // packs of points in the sweep.
 
-/// Occupied orbitals of one spin: the first `count`, in stored order.
-struct OccupiedOrbitals {
-  const Orbital* orbitals;
-  unsigned count;
-};
-
-/// Which orbitals are occupied: electron_count / 2 doubly occupied ones of a restricted wavefunction, or the
-/// alpha and beta electrons' singly occupied ones.
-struct Occupation {
-  bool restricted;
-  OccupiedOrbitals spin[2];  // alpha, beta
-
-  bool no_pairs() const { return restricted && spin[0].count == 0; }
-};
-Occupation eval_occupation(const Molecule* molecule);
-
 /// Sums over primitives, from 0.0 in index order, for functions that share their contraction coefficients:
 /// sums[f] = Σ coefficients[i] · primitive(i, f) for i < count.
 template <std::size_t Functions, class Real, class Primitive>
@@ -88,8 +72,8 @@ struct OccupiedSums {
 
 /// Total density of the sums: doubly occupied orbitals count twice.
 template <class Real>
-Real eval_total(const OccupiedSums<Real>& sums, bool restricted) {
-  return restricted ? sums.density + sums.density : sums.density;
+Real eval_total(const OccupiedSums<Real>& sums, bool is_restricted) {
+  return is_restricted ? sums.density + sums.density : sums.density;
 }
 
 inline constexpr double eval_undefined = std::numeric_limits<double>::quiet_NaN();
@@ -97,8 +81,8 @@ inline constexpr double eval_undefined = std::numeric_limits<double>::quiet_NaN(
 /// Average local ionization potential Σ|ε||φ|² / Σ|φ|², hartree (P. Sjoberg, J. S. Murray, T. Brinck,
 /// P. Politzer, Can. J. Chem. 68, 1440, 1990). NaN where the density is 0.
 template <class Real>
-Real eval_potential(const OccupiedSums<Real>& sums, bool no_pairs) {
-  return no_pairs ? Real(eval_undefined) : sums.weighted / sums.density;
+Real eval_potential(const OccupiedSums<Real>& sums, bool has_no_pairs) {
+  return has_no_pairs ? Real(eval_undefined) : sums.weighted / sums.density;
 }
 
 /// Values of all basis functions at `point` (x, y, z in bohr) into `values` (basis_count doubles).

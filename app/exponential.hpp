@@ -6,12 +6,18 @@
 // last bit differs between versions. Cody & Waite reduction x = k·ln 2 + r, |r| <= ln(2)/2, then a polynomial
 // for exp(r) (W. J. Cody, W. Waite, Software Manual for the Elementary Functions, 1980).
 
+/// exp(-x) is exactly 0.0 from this x on: from 745.14, with room for the rounding of x.
+inline constexpr double exponential_zero_limit = 746.0;
+
+/// Largest magnitude of an argument of exponential_normal.
+inline constexpr double exponential_normal_limit = 708.0;
+
 namespace exponential_constants {
 inline constexpr double log2_e = 0x1.71547652b82fep+0;
 inline constexpr double ln2_high = 0x1.62e42feep-1;  // 32 bits: k times this is exact for all k in use
 inline constexpr double ln2_low = 0x1.a39ef35793c76p-33;
-inline constexpr double shifter = 0x1.8p52;        // adding it leaves the nearest integer in the lowest bits
-inline constexpr double lowest_argument = -746.0;  // below -745.14 the exponential is exactly 0.0
+inline constexpr double shifter = 0x1.8p52;  // adding it leaves the nearest integer in the lowest bits
+inline constexpr double lowest_argument = -exponential_zero_limit;
 inline constexpr double highest_argument = 710.0;  // above 709.79 it is infinite
 
 // exp(r) = 1 + r + r²/2 + r³·(c[0] + c[1]·r + ...): least squares over Chebyshev points in |r| <= ln(2)/2,
@@ -37,9 +43,6 @@ template <class Real>
   const Real lost = (1.0 - sum) + r;
   return sum + (lost + square * polynomial);
 }
-
-/// Largest magnitude of an argument of exponential_normal.
-inline constexpr double exponential_normal_limit = 708.0;
 
 /// exp(x) for |x| up to exponential_normal_limit, where neither the result nor a step on the way leaves the
 /// normal numbers. The same bits as exponential(x).

@@ -12,6 +12,7 @@
 #include "file.hpp"
 #include "memory.hpp"
 #include "message.hpp"
+#include "occupation.hpp"
 #include "reader.hpp"
 #include "reorder.hpp"
 #include "setup.hpp"
@@ -302,11 +303,10 @@ void check_sections(Input& input) {
 }
 
 void check_electrons(const Molecule& molecule) {
-  const unsigned occupied = inp_rest_scf != 0
-                                ? molecule.electron_count / 2
-                                : std::max(molecule.alpha_electron_count, molecule.beta_electron_count);
-  if (occupied > molecule.basis_count) {
-    msg_fatal("number of electrons exceeds number of orbitals in fchk file");
+  for (const OccupiedOrbitals& spin : occupation_of(&molecule).spin) {
+    if (spin.count > molecule.basis_count) {
+      msg_fatal("number of electrons exceeds number of orbitals in fchk file");
+    }
   }
 }
 

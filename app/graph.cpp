@@ -186,16 +186,13 @@ void graph_fill(Graph* graph, int** edges, unsigned n) {
 
 void graph_reorder(Graph* graph, const int* order) {
   const unsigned n = graph->nvert;
-  int* first = vec_ialloc(n);
-  int* child = vec_ialloc(n);
-  int* next = child;
+  std::vector<int> first;
+  std::vector<int> child;
   for (unsigned atom = 0; atom < n; ++atom) {
     const unsigned visit = vec_iin(order, static_cast<int>(atom), n);
-    first[atom] = static_cast<int>(next - child);
-    next = std::copy(graph->child + graph->first[visit], graph->child + graph_end(graph, visit), next);
+    first.push_back(static_cast<int>(child.size()));
+    child.insert(child.end(), graph->child + graph->first[visit], graph->child + graph_end(graph, visit));
   }
-  std::copy_n(first, n, graph->first);
-  std::copy_n(child, n, graph->child);
-  vec_ifree(first);
-  vec_ifree(child);
+  std::ranges::copy(first, graph->first);
+  std::ranges::copy(child, graph->child);
 }

@@ -96,7 +96,7 @@ double cube_atom_radius(unsigned atomic_number) {
   }
   if (arg_warning != 0 && arg_quiet == 0) {
     char name[3];
-    char text[1024];
+    char text[msg_text_size];
     atom_name(name, static_cast<int>(atomic_number));
     std::snprintf(text, sizeof text, "unknown radius of atom %s, using default value 4.3 A", name);
     msg_warn(text);

@@ -5,6 +5,7 @@
 
 #include "allocate.hpp"
 #include "mat_base.hpp"
+#include "message.hpp"
 #include "setup.hpp"
 #include "vec_base.hpp"
 
@@ -13,7 +14,7 @@ namespace {
 Orbital* allocate_orbitals(std::size_t count, std::size_t listed, const char* failure) {
   auto* orbitals = allocate<Orbital>(count, failure);
   const std::size_t vector_count = std::min(count, listed + 1);
-  auto* coefficients = allocate<double>(vector_count * count, "cannot allocate memory for vector of doubles");
+  auto* coefficients = allocate<double>(vector_count * count, vec_falloc_failure);
   orbitals[0].coefficients = coefficients;  // there is room for one even if the count is 0
   for (std::size_t i = 1; i < count; ++i) {
     orbitals[i].coefficients = coefficients + std::min(i, listed) * count;
@@ -44,6 +45,13 @@ void mem_init_mol(Molecule* molecule) { *molecule = Molecule{}; }
 
 void mem_alloc_atoms(Molecule* molecule) {
   molecule->atoms = allocate<Atom>(molecule->atom_count, "cannot allocate memory for atom information");
+}
+
+const Atom* mem_centre(const Molecule* molecule, unsigned number) {
+  if (number < 1 || number > molecule->atom_count) {
+    msg_fatal("shell atom index exceedes number of atoms");
+  }
+  return &molecule->atoms[number - 1];
 }
 
 void mem_alloc_orbitals(Molecule* molecule) { mem_alloc_listed_orbitals(molecule, molecule->basis_count); }

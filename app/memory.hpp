@@ -49,6 +49,10 @@ void mem_init_mol(Molecule* molecule);
 /// `atom_count` zeroed atoms. Without memory the run ends with "cannot allocate memory for atom information".
 void mem_alloc_atoms(Molecule* molecule);
 
+/// The atom of a number that a file counts from 1. A number outside 1 to `atom_count` ends the run with
+/// "shell atom index exceedes number of atoms".
+const Atom* mem_centre(const Molecule* molecule, unsigned number);
+
 /// `basis_count` orbitals of `basis_count` zero coefficients, for both spins if inp_rest_scf is 0.
 /// The coefficient vectors of a spin lie back to back in one block, released with the first of them.
 /// Without memory the run ends with "cannot allocate memory for alpha molecular orbitals" (or beta).

@@ -27,6 +27,7 @@ struct Option {
   std::int16_t is_optional;
   char* target;  // file_name_size bytes
 };
+static_assert(file_name_size == arg_text_size, "the parser fills a string of arg_text_size bytes");
 
 struct InputFormat {
   std::string_view name;

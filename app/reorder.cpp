@@ -137,9 +137,5 @@ void reorder_shell_sp(Molecule* molecule, const ShellTable* shells, unsigned she
 }
 
 const Atom* reorder_atom_pointer(const Molecule* molecule, const ShellTable* shells, unsigned shell) {
-  const unsigned number = shells->atom_map[shell];
-  if (number < 1 || number > molecule->atom_count) {
-    msg_fatal("shell atom index exceedes number of atoms");
-  }
-  return &molecule->atoms[number - 1];
+  return mem_centre(molecule, shells->atom_map[shell]);
 }

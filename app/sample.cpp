@@ -4,10 +4,9 @@
 #include <variant>
 
 #include "file.hpp"
+#include "setup.hpp"
 
 namespace {
-
-constexpr const char* sample_file = "config";
 
 constexpr const char* simple_sample =
     "# orva - config file\n\n"
@@ -121,10 +120,10 @@ void print_verbose(std::FILE* stream) {
 }
 
 void write_sample(void (*print)(std::FILE* stream)) {
-  std::FILE* stream = file_open(sample_file, "w");
+  std::FILE* stream = file_open(standard_config_file, "w");
   print(stream);
   file_close(stream);
-  std::printf("sample config file \"%s\" has been written\n", sample_file);
+  std::printf("sample config file \"%s\" has been written\n", standard_config_file);
 }
 
 }  // namespace

@@ -1,7 +1,10 @@
 #include "setup.hpp"
 
+#include <string_view>
+
 char glob_file_input[file_name_size] = "";
 char glob_file_config[file_name_size] = "config";
+static_assert(standard_config_file == std::string_view("config"));
 char glob_file_output[file_name_size] = "";
 std::int16_t arg_quiet = 0;
 std::int16_t arg_warning = 0;

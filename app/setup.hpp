@@ -6,6 +6,8 @@
 
 inline constexpr unsigned file_name_size = 256;  // of every file name buffer, terminator included
 
+inline constexpr const char* standard_config_file = "config";
+
 // Set by the command line.
 extern char glob_file_input[file_name_size];
 extern char glob_file_config[file_name_size];  // after conf_read: the one that was read, empty if none

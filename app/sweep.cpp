@@ -9,25 +9,22 @@
 #include <limits>
 #include <string>
 
-#include "eval.hpp"
 #include "exponential.hpp"
 #include "message.hpp"
 #include "norm.hpp"
+#include "occupation.hpp"
 #include "shell.hpp"
 
 namespace {
 
 constexpr double infinite = std::numeric_limits<double>::infinity();
 
-// exp(-x) is exactly 0.0 from here on.
-constexpr double zero_argument = 746.0;
-
 // A head of a contraction is left out where each of its terms is so small against the next primitive's that
 // all of them together round away: 2^-60, where 2^-54 would do, covers the rounding of the products.
 const double head_margin = 60.0 * std::log(2.0);
 
 // r² beyond which exp(-exponent·r²) is 0.0.
-double zero_reach(double exponent) { return zero_argument / exponent; }
+double zero_reach(double exponent) { return exponential_zero_limit / exponent; }
 
 // r² beyond which the terms in front of `last` round away against it; infinite if that is not certain.
 // All terms share the angular factor, so they compare as weight·exp(-exponent·r²), weight = |c·N|.
@@ -98,11 +95,6 @@ unsigned choose_block_points(unsigned basis_count, const SweepKernel& kernel) {
   return std::clamp(fitting, kernel.tile_points, kernel.block_points_max);
 }
 
-double* aligned(double* memory) {
-  const auto misplaced = reinterpret_cast<std::uintptr_t>(memory) % 64;
-  return misplaced == 0 ? memory : memory + (64 - misplaced) / sizeof(double);
-}
-
 }  // namespace
 
 std::span<const SweepKernel* const> sweep_kernels() {
@@ -135,11 +127,11 @@ Sweep::Sweep(const Molecule* molecule, const SweepKernel& kernel, SweepField fie
     : molecule_(molecule),
       kernel_(kernel),
       block_points_(choose_block_points(molecule->basis_count, kernel)) {
-  const Occupation occupation = eval_occupation(molecule);
+  const Occupation occupation = occupation_of(molecule);
   plan_.field = field;
   plan_.basis_count = molecule->basis_count;
-  plan_.restricted = occupation.restricted;
-  plan_.no_pairs = occupation.no_pairs();
+  plan_.is_restricted = occupation.is_restricted;
+  plan_.has_no_pairs = occupation.has_no_pairs();
   plan_.may_skip_primitives = extent < 1e30;
   for (unsigned a = 0; a < molecule->atom_count; ++a) {
     for (const double coordinate : molecule->atoms[a].coord) {
@@ -151,6 +143,7 @@ Sweep::Sweep(const Molecule* molecule, const SweepKernel& kernel, SweepField fie
   // One more, so that there is some memory even without shells.
   active_.resize(std::size_t{kernel.block_points_max / kernel.tile_points} * plan_.shell_count + 1);
   active_list_.resize(plan_.basis_count);
+  values_.resize(std::size_t{plan_.basis_count} * block_points_);
   fields_.resize(block_points_ * std::max<std::size_t>(orbitals.size(), 2));
 }
 
@@ -186,7 +179,7 @@ void Sweep::plan_atoms() {
   }
   plan_.atom_count = molecule_->atom_count;
   plan_.atoms = atoms_.data();
-  exponential_values_.resize(exponential_max * kernel_.block_points_max + 8);
+  exponential_values_.resize(exponential_max * kernel_.block_points_max);
   number_shells();
 }
 
@@ -283,12 +276,12 @@ void Sweep::plan_orbitals(std::span<const Orbital* const> orbitals) {
   plan_.groups = groups_.data();
 }
 
-void Sweep::run(unsigned count, double* points, double* values) {
+void Sweep::run(unsigned count, double* points) {
   const unsigned padded = (count + kernel_.tile_points - 1) / kernel_.tile_points * kernel_.tile_points;
   double* const axes[3] = {points, points + block_points_, points + 2 * std::size_t{block_points_}};
   for (double* axis : axes) {
     std::fill(axis + count, axis + padded, axis[count - 1]);
   }
-  kernel_.run(plan_, {padded, axes[0], axes[1], axes[2], fields_.data(), block_points_, aligned(values),
-                      aligned(exponential_values_.data()), active_.data(), active_list_.data()});
+  kernel_.run(plan_, {padded, axes[0], axes[1], axes[2], fields_.data(), block_points_, values_.data(),
+                      exponential_values_.data(), active_.data(), active_list_.data()});
 }

@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "aligned.hpp"
 #include "memory.hpp"
 #include "sweep_plan.hpp"
 
@@ -31,13 +32,12 @@ class Sweep {
   /// in the second-level cache.
   unsigned block_points() const { return block_points_; }
 
-  /// Number of basis function values of a block, and what it takes to put them on a 64-byte boundary.
-  unsigned value_count() const { return molecule_->basis_count * block_points_ + 8; }
-
   /// Evaluates the fields at `count` points, at most block_points(). `points` holds x, y and z in runs of
-  /// block_points() and is padded behind the last point up to a whole tile. `values` takes value_count()
-  /// values of basis functions.
-  void run(unsigned count, double* points, double* values);
+  /// block_points() and is padded behind the last point up to a whole tile.
+  void run(unsigned count, double* points);
+
+  /// The values of all basis functions at the points of the last run, in the order of the kernel.
+  double* values() { return values_.data(); }
 
   /// What the last run found: the total density (0) and the average local ionization potential (1), or the
   /// orbitals in their order; block_points() values.
@@ -64,7 +64,8 @@ class Sweep {
   std::unordered_map<std::uint64_t, unsigned> exponential_positions_;  // of the atom at hand, by its bits
   std::vector<SweepOrbitals> groups_;
   std::vector<double> coefficients_, energies_;
-  std::vector<double> exponential_values_, fields_;
+  std::vector<double> fields_;
+  AlignedDoubles values_, exponential_values_;
   std::vector<unsigned char> active_;
   std::vector<unsigned> active_list_;
 };

@@ -3,10 +3,10 @@
 namespace {
 
 struct Tag;
-using Kernel = SweepKernelFor<Pack<Tag, 4>, 2, 4>;
+using Pass = SweepPass<Pack<Tag, 4>, 2, 4>;
 
 bool is_supported() { return __builtin_cpu_supports("avx2") != 0; }
 
 }  // namespace
 
-const SweepKernel sweep_avx2 = Kernel::as("avx2", is_supported);
+const SweepKernel sweep_avx2 = Pass::kernel("avx2", is_supported);

@@ -3,10 +3,10 @@
 namespace {
 
 struct Tag;
-using Kernel = SweepKernelFor<Pack<Tag, 2>, 2, 4>;
+using Pass = SweepPass<Pack<Tag, 2>, 2, 4>;
 
 bool is_supported() { return true; }
 
 }  // namespace
 
-const SweepKernel sweep_plain = Kernel::as("plain", is_supported);
+const SweepKernel sweep_plain = Pass::kernel("plain", is_supported);

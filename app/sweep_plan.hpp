@@ -61,9 +61,9 @@ struct SweepPlan {
   const unsigned* shell_starts;  // first basis function of each shell, by its number, and basis_count
   const SweepAtom* atoms;
   const SweepOrbitals* groups;
-  bool restricted, no_pairs;  // of the density
-  bool may_skip_primitives;   // all coordinates are so small that no product of them is infinite
-  bool may_skip_functions;    // all orbital coefficients are finite: 0 times each of them is 0
+  bool is_restricted, has_no_pairs;  // of the density
+  bool may_skip_primitives;          // all coordinates are so small that no product of them is infinite
+  bool may_skip_functions;           // all orbital coefficients are finite: 0 times each of them is 0
 };
 
 /// One unit of work. Point counts are multiples of the kernel's tile.

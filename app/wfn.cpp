@@ -8,11 +8,13 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <vector>
 
 #include "atom.hpp"
 #include "file.hpp"
 #include "memory.hpp"
 #include "message.hpp"
+#include "occupation.hpp"
 #include "reader.hpp"
 #include "setup.hpp"
 #include "shell.hpp"
@@ -162,22 +164,17 @@ void wfn_read_atoms(Molecule* molecule, Reader& reader) {
 
 void wfn_read_basis(Molecule* molecule, Reader& reader) {
   const unsigned count = molecule->basis_count;
-  unsigned* centres = vec_ualloc(count);
-  unsigned* types = vec_ualloc(count);
-  double* exponents = vec_falloc(count);
+  std::vector<unsigned> centres(count), types(count);
+  std::vector<double> exponents(count);
   mem_alloc_basis(molecule);
 
-  wfn_read_udata(centres, count, 20, 20, reader);
-  wfn_read_udata(types, count, 20, 20, reader);
-  wfn_read_fdata(exponents, count, 5, 10, reader);
+  wfn_read_udata(centres.data(), count, 20, 20, reader);
+  wfn_read_udata(types.data(), count, 20, 20, reader);
+  wfn_read_fdata(exponents.data(), count, 5, 10, reader);
   if (molecule->electron_count == 0 && count > 0 && reader.is_at_end()) {
     msg_fatal(no_exponent);  // the last number of the file, which may have been cut off
   }
-  wfn_basis_reorder(molecule, centres, types, exponents);
-
-  vec_ufree(centres);
-  vec_ufree(types);
-  vec_ffree(exponents);
+  wfn_basis_reorder(molecule, centres.data(), types.data(), exponents.data());
 }
 
 void wfn_read_udata(unsigned* values, unsigned count, unsigned per_line, unsigned label_width,
@@ -193,14 +190,11 @@ void wfn_read_fdata(double* values, unsigned count, unsigned per_line, unsigned 
 void wfn_basis_reorder(Molecule* molecule, const unsigned* centres, const unsigned* types,
                        const double* exponents) {
   for (unsigned i = 0; i < molecule->basis_count; ++i) {
-    if (centres[i] < 1 || centres[i] > molecule->atom_count) {
-      msg_fatal("shell atom index exceedes number of atoms");
-    }
     BasisFunction& function = molecule->basis[i];
     set_type(function, types[i]);
     function.primitive_count = 1;
+    function.atom = mem_centre(molecule, centres[i]);
     function.atom_index = centres[i] - 1;
-    function.atom = &molecule->atoms[function.atom_index];
     function.exponents = vec_falloc(1);
     function.exponents[0] = exponents[i];
     function.coefficients = vec_falloc(1);
@@ -210,7 +204,7 @@ void wfn_basis_reorder(Molecule* molecule, const unsigned* centres, const unsign
 
 void wfn_read_orbitals(Molecule* molecule, Reader& reader) {
   constexpr const char* no_coefficient = "cannot read molecular orbital coefficients";
-  const unsigned orbital_count = molecule->electron_count / 2;
+  const unsigned orbital_count = occupation_of(molecule).spin[0].count;  // all that are listed
   mem_alloc_listed_orbitals(molecule, orbital_count);
   for (unsigned i = 0; i < orbital_count; ++i) {
     Orbital& orbital = molecule->alpha_orbitals[i];

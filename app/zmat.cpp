@@ -60,18 +60,16 @@ void zmat_print(const Molecule* molecule, std::FILE* stream, const double* const
     return;
   }
   Graph* graph = graph_create(distances, n);
-  int* rows = vec_ialloc(n);
-  vec_iset(rows, -1, n);
+  std::vector<int> rows(n, -1);
   Stack* stack = stack_alloc();
   stack_iadd(stack, 0);
   for (unsigned row_index = 0; stack->count > 0; ++row_index) {
     unsigned atom = 0;
     stack_uget(stack, &atom);
     ZmatSlots slots;
-    zmat_define_row(stack, graph, rows, row_index, static_cast<int>(atom), slots);
-    zmat_print_row(molecule, stream, distances, slots, rows);
+    zmat_define_row(stack, graph, rows.data(), row_index, static_cast<int>(atom), slots);
+    zmat_print_row(molecule, stream, distances, slots, rows.data());
   }
-  vec_ifree(rows);
   graph_free(graph);
   stack_free(stack);
 }

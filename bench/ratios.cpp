@@ -81,7 +81,7 @@ double sweep_seconds(const Molecule& molecule, const CubeDefinition& cube, const
                      const std::vector<const Orbital*>& orbitals) {
   Sweep sweep(&molecule, kernel, SweepField::density_and_potential, orbitals, 1e3);
   const unsigned room = sweep.block_points();
-  std::vector<double> points(3 * room), values(sweep.value_count());
+  std::vector<double> points(3 * room);
   return seconds_of(repetitions, [&] {
     const std::size_t total = std::size_t{cube.npoints[0]} * cube.npoints[1] * cube.npoints[2];
     for (std::size_t done = 0; done < total; done += room) {
@@ -92,7 +92,7 @@ double sweep_seconds(const Molecule& molecule, const CubeDefinition& cube, const
           points[c * room + n] = cube_coordinate(&cube, at / cube.npoints[2] / cube.npoints[1], j, k, c);
         }
       }
-      sweep.run(room, points.data(), values.data());
+      sweep.run(room, points.data());
     }
   });
 }
@@ -121,7 +121,7 @@ double named_seconds(const Molecule& molecule, const CubeDefinition& cube) {
 
 std::vector<const Orbital*> occupied(const Molecule& molecule) {
   std::vector<const Orbital*> orbitals;
-  for (const OccupiedOrbitals& spin : eval_occupation(&molecule).spin) {
+  for (const OccupiedOrbitals& spin : occupation_of(&molecule).spin) {
     for (unsigned i = 0; i < spin.count; ++i) {
       orbitals.push_back(&spin.orbitals[i]);
     }

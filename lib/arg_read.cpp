@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "arg.hpp"
+#include "message.hpp"
 #include "str_file.hpp"
 
 namespace {
@@ -54,7 +55,7 @@ static_assert(arg_int == 1 && stores.size() == arg_string);
 // Ends the process with the usage line and an error text made by printf's format.
 [[noreturn]] __attribute__((format(printf, 3, 4))) void usage_error(ArgTable* table, const char* program,
                                                                     const char* format, ...) {
-  char text[256];
+  char text[msg_text_size];
   va_list values;
   va_start(values, format);
   std::vsnprintf(text, sizeof text, format, values);

@@ -17,7 +17,6 @@
 
 namespace {
 
-constexpr std::size_t text_size = 256;
 constexpr unsigned links_max = 40;  // as many as the system follows
 
 constexpr const char* not_written = "file closing failured";
@@ -84,14 +83,14 @@ std::optional<Identity> identity_of(const std::string& path) {
   return Identity{status.st_dev, status.st_ino, place.filename()};
 }
 
+std::string quoted(const NamedFile& file) { return std::string(file.role) + " \"" + file.path + '"'; }
+
 }  // namespace
 
 std::FILE* file_open(const char* path, const char* mode) {
   std::FILE* stream = std::fopen(path, mode);
   if (stream == nullptr) {
-    char text[text_size];
-    std::snprintf(text, sizeof text, "cannot open file \"%s\"", path);
-    msg_fatal(text);
+    msg_fatal_format("cannot open file \"%s\"", path);
   }
   return stream;
 }
@@ -135,9 +134,8 @@ void file_check_distinct(std::span<const NamedFile> files) {
     }
     const auto [entry, is_new] = known.emplace(*identity, &file);
     if (!is_new) {
-      const NamedFile& other = *entry->second;
-      msg_fatal_format("%s \"%s\" and %s \"%s\" are the same file", other.role, other.path.c_str(), file.role,
-                       file.path.c_str());
+      // Both paths whole, however long.
+      msg_fatal((quoted(*entry->second) + " and " + quoted(file) + " are the same file").c_str());
     }
   }
 }
@@ -159,7 +157,7 @@ int file_stat(const char* path, struct stat* status, std::int16_t exit_flag) {
   if (lstat(path, status) == 0) {
     return 1;
   }
-  char text[text_size];
+  char text[msg_text_size];
   std::snprintf(text, sizeof text, "cannot get info about %s (%s)", path, find_reason(errno).of_stat);
   msg_error(text, exit_flag);
   return 0;
@@ -169,7 +167,5 @@ void file_remove(const char* path) {
   if (unlink(path) == 0) {
     return;
   }
-  char text[text_size];
-  std::snprintf(text, sizeof text, "cannot remove file %s%s", path, find_reason(errno).of_remove);
-  msg_fatal(text);
+  msg_fatal_format("cannot remove file %s%s", path, find_reason(errno).of_remove);
 }

@@ -1,13 +1,14 @@
 #include "icoord.hpp"
 
 #include <array>
+#include <numbers>
 
 #include "distance.hpp"
 #include "vec_oper.hpp"
 
 namespace {
 
-double to_degrees(double radians) { return radians * 180.0 / 3.141592653589793; }
+double to_degrees(double radians) { return radians * 180.0 / std::numbers::pi; }
 
 std::array<double, 3> arrow(const double* from, const double* to) {
   std::array<double, 3> components;

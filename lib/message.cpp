@@ -24,7 +24,7 @@ void msg_fatal(const char* text) {
 }
 
 void msg_fatal_format(const char* format, ...) {
-  char text[1024];
+  char text[msg_text_size];
   va_list arguments;
   va_start(arguments, format);
   std::vsnprintf(text, sizeof text, format, arguments);

@@ -23,7 +23,10 @@ void msg_error(const char* text, std::int16_t exit_flag);
 /// Ends the process with msg_error, for callers that cannot go on.
 [[noreturn]] void msg_fatal(const char* text);
 
-/// Ends the process with the text made by printf's `format`, cut to 1023 characters.
+/// Size of the buffer of a text that carries a value, terminator included; a longer text is cut.
+inline constexpr unsigned msg_text_size = 256;
+
+/// Ends the process with the text made by printf's `format`, cut to its buffer.
 [[noreturn]] __attribute__((format(printf, 1, 2))) void msg_fatal_format(const char* format, ...);
 
 /// Sets the hook of msg_error and its arguments; whether it is armed does not change.

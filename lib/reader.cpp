@@ -79,12 +79,12 @@ void Reader::skip_space() {
 bool Reader::line(std::span<char> piece) {
   const std::size_t room = piece.size() - 1;
   std::size_t length = 0;
-  bool ended = false;
-  while (!ended && length < room && fill()) {
+  bool is_ended = false;
+  while (!is_ended && length < room && fill()) {
     const std::size_t at_hand = std::min(static_cast<std::size_t>(end_ - next_), room - length);
     const void* newline = std::memchr(next_, '\n', at_hand);
-    ended = newline != nullptr;
-    const char* stop = ended ? static_cast<const char*>(newline) + 1 : next_ + at_hand;
+    is_ended = newline != nullptr;
+    const char* stop = is_ended ? static_cast<const char*>(newline) + 1 : next_ + at_hand;
     std::copy(next_, stop, piece.data() + length);
     length += static_cast<std::size_t>(stop - next_);
     next_ = stop;
@@ -97,13 +97,13 @@ bool Reader::line(std::span<char> piece) {
 }
 
 bool Reader::skip(unsigned width) {
-  const bool any = fill();
+  const bool is_any_left = fill();
   while (width > 0 && fill()) {
     if (*next_++ != '\r') {
       --width;
     }
   }
-  return any;
+  return is_any_left;
 }
 
 bool Reader::word(std::span<char> text) {
@@ -141,7 +141,7 @@ bool Reader::number(int& value) {
     return false;
   }
   const auto magnitude = static_cast<std::int64_t>(integer.magnitude);
-  const std::int64_t wide = integer.negative ? -magnitude : magnitude;
+  const std::int64_t wide = integer.is_negative ? -magnitude : magnitude;
   if (wide < std::numeric_limits<int>::min() || wide > std::numeric_limits<int>::max()) {
     return false;
   }
@@ -155,7 +155,7 @@ bool Reader::number(unsigned& value) {
     return false;
   }
   const auto magnitude = static_cast<unsigned>(integer.magnitude);
-  value = integer.negative ? 0U - magnitude : magnitude;
+  value = integer.is_negative ? 0U - magnitude : magnitude;
   return true;
 }
 
@@ -215,30 +215,30 @@ bool Reader::take_real(std::string& text) {
     return take_letters(text, "inf") && (std::tolower(peek()) != 'i' || take_letters(text, "inity"));
   }
 
-  bool hexadecimal = false;
-  bool digit = false;
-  bool point = false;
-  bool exponent = false;
+  bool is_hexadecimal = false;
+  bool has_digit = false;
+  bool has_point = false;
+  bool has_exponent = false;
   for (int next = std::tolower(peek()); next != EOF; next = std::tolower(peek())) {
-    const char marker = hexadecimal ? 'p' : 'e';
-    if (is_digit(next) || (hexadecimal && !exponent && std::isxdigit(next) != 0)) {
-      digit = true;
+    const char marker = is_hexadecimal ? 'p' : 'e';
+    if (is_digit(next) || (is_hexadecimal && !has_exponent && std::isxdigit(next) != 0)) {
+      has_digit = true;
     } else if (next == 'x' && text.size() == sign + 1 && text.back() == '0') {
-      hexadecimal = true;
-      digit = false;
-    } else if (next == marker && digit && !exponent) {
-      exponent = point = true;
-    } else if (next == '.' && !point) {
-      point = true;
-    } else if (!((next == '-' || next == '+') && exponent && text.back() == marker)) {
+      is_hexadecimal = true;
+      has_digit = false;
+    } else if (next == marker && has_digit && !has_exponent) {
+      has_exponent = has_point = true;
+    } else if (next == '.' && !has_point) {
+      has_point = true;
+    } else if (!((next == '-' || next == '+') && has_exponent && text.back() == marker)) {
       break;
     }
     take(text);
   }
-  if (hexadecimal) {
+  if (is_hexadecimal) {
     return text.size() > sign + 2;
   }
-  if (digit && point && !exponent && str_is_exponent(ahead(str_exponent_length + 1))) {
+  if (has_digit && has_point && !has_exponent && str_is_exponent(ahead(str_exponent_length + 1))) {
     text += 'e';
     for (unsigned i = 0; i < str_exponent_length; ++i) {
       take(text);

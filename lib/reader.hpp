@@ -52,7 +52,7 @@ class Reader {
 
  private:
   struct Integer {
-    bool negative;
+    bool is_negative;
     std::uint64_t magnitude;  // 2^32 stands for all that is larger
   };
 

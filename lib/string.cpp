@@ -81,9 +81,7 @@ double str_dsnum(char* word) {
   // All that is not a plain decimal number from end to end: signs, ranges and halves of exponents are the
   // C library's to judge.
   if (str_fortran_real(word, &value) == nullptr) {
-    char text[256];
-    std::snprintf(text, sizeof text, "cannot convert fortran double precision type \"%s\"", word);
-    msg_fatal(text);
+    msg_fatal_format("cannot convert fortran double precision type \"%s\"", word);
   }
   return value;
 }

@@ -32,7 +32,7 @@ unsigned find_value(const Element* vector, Element value, unsigned n) {
 
 }  // namespace
 
-double* vec_falloc(unsigned n) { return allocate<double>(n, "cannot allocate memory for vector of doubles"); }
+double* vec_falloc(unsigned n) { return allocate<double>(n, vec_falloc_failure); }
 int* vec_ialloc(unsigned n) { return allocate<int>(n, "cannot allocate memory for vector of int-s"); }
 unsigned* vec_ualloc(unsigned n) {
   return allocate<unsigned>(n, "cannot allocate memory for vector of unsigned int-s");

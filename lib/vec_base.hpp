@@ -10,6 +10,8 @@
 /// Index that a search returns when nothing matches.
 inline constexpr unsigned vec_not_found = 0xFFFFFFFFU;
 
+inline constexpr const char* vec_falloc_failure = "cannot allocate memory for vector of doubles";
+
 /// Zero-filled vectors of `n` elements, never null. Without memory the run ends with
 /// "cannot allocate memory for vector of ...".
 double* vec_falloc(unsigned n);

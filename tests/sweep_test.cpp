@@ -17,8 +17,8 @@ namespace {
 
 // The source of the widest kernel, compiled for any processor.
 struct Tag;
-using EightLanes = SweepKernelFor<Pack<Tag, 8>, 2, 6>;
-const SweepKernel eight_lanes = EightLanes::as("eight lanes", [] { return true; });
+using EightLanes = SweepPass<Pack<Tag, 8>, 2, 6>;
+const SweepKernel eight_lanes = EightLanes::kernel("eight lanes", [] { return true; });
 
 std::vector<const SweepKernel*> supported_kernels() {
   std::vector<const SweepKernel*> kernels(sweep_kernels().begin(), sweep_kernels().end());
@@ -112,7 +112,7 @@ TEST(Sweep, GivesEveryBitOfEveryBasisFunction) {
     for (const SweepKernel* kernel : kernels) {
       Sweep sweep(molecule.get(), *kernel, SweepField::orbital, list, 1e3);
       const unsigned room = sweep.block_points();
-      std::vector<double> points(3 * room), values(sweep.value_count()), expected(n);
+      std::vector<double> points(3 * room), expected(n);
       for (unsigned round = 0; round < 8000 / room; ++round) {
         const unsigned count = round % 2 == 0 ? room : room - 3;
         const Atom& atom = molecule->atoms[round % molecule->atom_count];
@@ -127,7 +127,7 @@ TEST(Sweep, GivesEveryBitOfEveryBasisFunction) {
             points[c * room + i] = atom.coord[c] + r * to[c] / std::hypot(to[0], to[1], to[2]);
           }
         }
-        sweep.run(count, points.data(), values.data());
+        sweep.run(count, points.data());
         for (unsigned i = 0; i < count; ++i) {
           const double point[3] = {points[i], points[room + i], points[2 * room + i]};
           eval_bfce_vec(molecule.get(), point, expected.data());
