@@ -14,7 +14,7 @@ struct Orbital {
   double* coefficients;  // one per basis function
 };
 
-/// Shell type codes: 0 s, 1 p, -1 sp, 2 and -2 d, 3 and -3 f, 4 and -4 g; positive Cartesian, negative pure.
+/// A function of a shell of a type of shell.hpp.
 struct BasisFunction {
   short type;        // never -1: the functions of an sp shell are s and p
   short component;   // position within the shell

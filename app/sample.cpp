@@ -1,6 +1,7 @@
 #include "sample.hpp"
 
 #include <array>
+#include <span>
 #include <variant>
 
 #include "file.hpp"
@@ -8,85 +9,72 @@
 
 namespace {
 
-constexpr const char* simple_sample =
-    "# orva - config file\n\n"
-    "# print option\n"
-    "PRINTED_WIDTH 5\n"
-    "PRINT_COORD 1\n"
-    "PRINT_ZMAT 0\n"
-    "PRINT_DIST_MAT 0\n"
-    "PRINT_SHELL 1\n"
-    "PRINT_BASE 0\n"
-    "PRINT_MO 0\n"
-    "PRINT_CUBE_PAR 1\n\n"
-    "# cube file option\n"
-    "PRINT_CUBE 1\n"
-    "CUBE_FILE_DENSITY out.den\n"
-    "CUBE_FILE_ORBITAL out.orb\n"
-    "CUBE_FILE_MODEN out.mod\n"
-    "CUBE_FILE_ORVA out.orva\n"
-    "CUBE_TOT_DENSITY 1\n"
-    "CUBE_ALL_MO 0\n"
-    "CUBE_ONE_MO 0\n"
-    "CUBE_ONE_TYPE 0\n"
-    "CUBE_ONE_SPEC 1\n"
-    "CUBE_ONE_MODEN 0\n"
-    "CUBE_ORVA 1\n\n"
-    "# cube definition\n"
-    "DEFINE_CUBE 0\n\n";
+struct YesOrNo {
+  int standard;
+};
+struct FileName {
+  const char* standard;
+};
+using Values = std::variant<YesOrNo, FileName, const char*>;  // what the setting may be, and its default
 
-struct Explained {
-  const char* comment;
-  std::variant<std::monostate, int, const char*> standard;  // the default, told in a line of its own
+struct Item {
+  const char* purpose;
+  Values values;
+  const char* name;
   const char* setting;
+  const char* explained_setting = nullptr;  // of the explained sample, where it differs
 };
 
-constexpr std::array explained_items = {
-    Explained{"# orva - config file\n\n"
-              "# print option\n\n"
-              "# width of printed matrices and vectors\n"
-              "# [integer greater than 0] default 5\n",
-              {},
-              "PRINTED_WIDTH 5\n"},
-    Explained{"# print cartesian atomic coordinates\n", 1, "PRINT_COORD 1\n"},
-    Explained{"# print internal coordinates (z-matrix)\n", 0, "PRINT_ZMAT 0\n"},
-    Explained{"# print distance matrix\n", 0, "PRINT_DIST_MAT 0\n"},
-    Explained{"# print contracted shells\n", 1, "PRINT_SHELL 0\n"},
-    Explained{"# print basis functions\n", 0, "PRINT_BASE 0\n"},
-    Explained{"# print molecular orbital's coefficients\n", 0, "PRINT_MO 0\n"},
-    Explained{"# print cube definition\n", 1, "PRINT_CUBE_PAR 1\n\n"},
-    Explained{"# cube file option\n\n"
-              "# write cube file\n",
-              1, "PRINT_CUBE 1\n"},
-    Explained{"# total density cube file's name\n", "out.den", "CUBE_FILE_DENSITY out.den\n"},
-    Explained{"# single molecular orbital file's name\n", "out.orb", "CUBE_FILE_ORBITAL out.orb\n"},
-    Explained{"# density of molecular orbital file's name\n", "out.mod", "CUBE_FILE_MODEN out.mod\n"},
-    Explained{"# average local ionization potential file's name\n", "out.orva", "CUBE_FILE_ORVA out.orva\n"},
-    Explained{"# write total density\n", 1, "CUBE_TOT_DENSITY 1\n"},
-    Explained{"# write all moleculars orbital\n", 0, "CUBE_ALL_MO 0\n"},
-    Explained{"# write single molecular orbital\n", 0, "CUBE_ONE_MO 0\n"},
-    Explained{"# specify type of single molecular orbital to write\n"
-              "# [0 is alpha, 1 is beta orbital, if restricted method in input file was used then there has "
-              "to be 0] default 0\n",
-              {},
-              "CUBE_ONE_TYPE 0\n"},
-    Explained{"# specify single molecular orbital to write\n"
-              "# [integer from 1 to number of MOs] default 1\n",
-              {},
-              "CUBE_ONE_SPEC 1\n"},
-    Explained{"# write density of one molecular orbital\n"
-              "# [0 is false, interger greater than 0 is number of MO to write] default 0\n",
-              {},
-              "CUBE_ONE_MODEN 0\n"},
-    Explained{"# write average local ionization potential\n", 1, "CUBE_ORVA 1\n\n"},
-    Explained{"# cube definition\n\n"
-              "# specify cube definition\n"
-              "# [0, 1 or 2] default 0\n"
-              "#\n# 0 = generate cube automatically\n",
-              {},
-              "DEFINE_CUBE 0\n"},
+struct Section {
+  const char* heading;
+  std::span<const Item> items;
 };
-static_assert(explained_items.size() == 21, "one entry for each configuration item");
+
+constexpr std::array print_items = {
+    Item{"width of printed matrices and vectors", "[integer greater than 0] default 5", "PRINTED_WIDTH", "5"},
+    Item{"print cartesian atomic coordinates", YesOrNo{1}, "PRINT_COORD", "1"},
+    Item{"print internal coordinates (z-matrix)", YesOrNo{0}, "PRINT_ZMAT", "0"},
+    Item{"print distance matrix", YesOrNo{0}, "PRINT_DIST_MAT", "0"},
+    Item{"print contracted shells", YesOrNo{1}, "PRINT_SHELL", "1", "0"},
+    Item{"print basis functions", YesOrNo{0}, "PRINT_BASE", "0"},
+    Item{"print molecular orbital's coefficients", YesOrNo{0}, "PRINT_MO", "0"},
+    Item{"print cube definition", YesOrNo{1}, "PRINT_CUBE_PAR", "1"},
+};
+
+constexpr std::array file_items = {
+    Item{"write cube file", YesOrNo{1}, "PRINT_CUBE", "1"},
+    Item{"total density cube file's name", FileName{"out.den"}, "CUBE_FILE_DENSITY", "out.den"},
+    Item{"single molecular orbital file's name", FileName{"out.orb"}, "CUBE_FILE_ORBITAL", "out.orb"},
+    Item{"density of molecular orbital file's name", FileName{"out.mod"}, "CUBE_FILE_MODEN", "out.mod"},
+    Item{"average local ionization potential file's name", FileName{"out.orva"}, "CUBE_FILE_ORVA",
+         "out.orva"},
+    Item{"write total density", YesOrNo{1}, "CUBE_TOT_DENSITY", "1"},
+    Item{"write all moleculars orbital", YesOrNo{0}, "CUBE_ALL_MO", "0"},
+    Item{"write single molecular orbital", YesOrNo{0}, "CUBE_ONE_MO", "0"},
+    Item{
+        "specify type of single molecular orbital to write",
+        "[0 is alpha, 1 is beta orbital, if restricted method in input file was used then there has to be 0] "
+        "default 0",
+        "CUBE_ONE_TYPE", "0"},
+    Item{"specify single molecular orbital to write", "[integer from 1 to number of MOs] default 1",
+         "CUBE_ONE_SPEC", "1"},
+    Item{"write density of one molecular orbital",
+         "[0 is false, interger greater than 0 is number of MO to write] default 0", "CUBE_ONE_MODEN", "0"},
+    Item{"write average local ionization potential", YesOrNo{1}, "CUBE_ORVA", "1"},
+};
+
+constexpr std::array grid_items = {
+    Item{"specify cube definition", "[0, 1 or 2] default 0\n#\n# 0 = generate cube automatically",
+         "DEFINE_CUBE", "0"},
+};
+static_assert(print_items.size() + file_items.size() + grid_items.size() == 21,
+              "the items of a configuration");
+
+constexpr std::array sections = {
+    Section{"print option", print_items},
+    Section{"cube file option", file_items},
+    Section{"cube definition", grid_items},
+};
 
 constexpr const char* grid_examples =
     "# 1 = vector definition of cube\n"
@@ -104,17 +92,33 @@ constexpr const char* grid_examples =
     "#  1.000000  1.000000  1.000000   # 4. point D, z direction is vector CD\n"
     "#  80 80 80                       # number of points in x,y,z direction\n\n";
 
-void print_default(std::FILE*, std::monostate) {}
-void print_default(std::FILE* stream, int value) { default_bool(stream, value); }
-void print_default(std::FILE* stream, const char* text) { default_str(stream, text); }
+constexpr const char* title = "# orva - config file\n";
 
-void print_simple(std::FILE* stream) { std::fputs(simple_sample, stream); }
+void print_values(std::FILE* stream, YesOrNo values) { default_bool(stream, values.standard); }
+void print_values(std::FILE* stream, FileName values) { default_str(stream, values.standard); }
+void print_values(std::FILE* stream, const char* values) { std::fprintf(stream, "# %s\n", values); }
+
+void print_simple(std::FILE* stream) {
+  std::fputs(title, stream);
+  for (const auto& [heading, items] : sections) {
+    std::fprintf(stream, "\n# %s\n", heading);
+    for (const Item& item : items) {
+      std::fprintf(stream, "%s %s\n", item.name, item.setting);
+    }
+  }
+  std::fputc('\n', stream);
+}
 
 void print_verbose(std::FILE* stream) {
-  for (const auto& [comment, standard, setting] : explained_items) {
-    std::fputs(comment, stream);
-    std::visit([stream](auto value) { print_default(stream, value); }, standard);
-    std::fputs(setting, stream);
+  std::fputs(title, stream);
+  for (const auto& [heading, items] : sections) {
+    std::fprintf(stream, "\n# %s\n\n", heading);
+    for (const Item& item : items) {
+      std::fprintf(stream, "# %s\n", item.purpose);
+      std::visit([stream](auto values) { print_values(stream, values); }, item.values);
+      const bool has_own = item.explained_setting != nullptr;
+      std::fprintf(stream, "%s %s\n", item.name, has_own ? item.explained_setting : item.setting);
+    }
   }
   std::fputs(grid_examples, stream);
 }
