@@ -155,16 +155,16 @@ void take_energies(Input& input, const Section& section) {
   }
 }
 
-int* allocate(unsigned n, int*) { return vec_ialloc(n); }
-unsigned* allocate(unsigned n, unsigned*) { return vec_ualloc(n); }
-double* allocate(unsigned n, double*) { return vec_falloc(n); }
+void allocate(int*& vector, unsigned n) { vector = vec_ialloc(n); }
+void allocate(unsigned*& vector, unsigned n) { vector = vec_ualloc(n); }
+void allocate(double*& vector, unsigned n) { vector = vec_falloc(n); }
 
 template <auto target>
 void take_vector(Input& input, const Section& section) {
   auto*& vector = input.shells.*target;
   const unsigned count = section.length(*input.molecule);
   if (vector == nullptr) {
-    vector = allocate(count, vector);
+    allocate(vector, count);
   }
   read_values(input, section, vector, count);
 }
