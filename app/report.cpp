@@ -56,6 +56,8 @@ void print_orbitals(Report* report) {
 
 void print_grid(Report* report) { cube_print_params(report->molecule, report->cube, report->stream, 0); }
 
+void print_nothing(Report*) {}
+
 // In the order of the report.
 constexpr std::array listings = {
     Listing{&conf_print_coord, Spins::any, "\n  Cartesian coordinates: [Ang]\n\n", print_coordinates},
@@ -70,6 +72,7 @@ constexpr std::array listings = {
     Listing{&conf_print_mo, Spins::unrestricted, "\n\n  Beta molecular orbitals:\n\n",
             print_orbitals<orbit_beta>},
     Listing{&conf_print_cubp, Spins::any, "\n\n  Cube file parameters:\n\n", print_grid},
+    Listing{&conf_print_cube, Spins::any, "\n", print_nothing},  // report_cubes goes on
 };
 
 bool is_wanted(const Listing& listing) {
@@ -175,12 +178,6 @@ void report_check(const Molecule* molecule) {
 }
 
 void report_cubes(const Report& report) {
-  if (conf_print_cube == 0) {
-    return;
-  }
-  if (arg_quiet == 0) {
-    std::fputc('\n', report.stream);
-  }
   for (const std::int16_t code : wanted_codes()) {
     cube_write(report.molecule, report.cube, report.stream, code);
   }
