@@ -154,7 +154,7 @@ void report_banner(const Report& report) {
     return;
   }
   print_fhline(report.stream);
-  print_fcenter(report.stream, "ORVA 1.4");
+  print_fcenter(report.stream, "ORVA " ORVA_VERSION);
   print_fhline(report.stream);
 }
 

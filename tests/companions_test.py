@@ -1,9 +1,10 @@
-"""Runs orva-grid and orva-view. Environment: ORVA_PROGRAM."""
+"""Runs orva-grid and orva-view. Environment: ORVA_PROGRAM, words of the shell."""
 
 import itertools
 import math
 import os
 import runpy
+import shlex
 import struct
 import subprocess
 import sys
@@ -36,7 +37,7 @@ def view(*arguments, status=0):
 
 def cubes_of_aniline(*grid_arguments):
     Path("config").write_text(grid(ANILINE, *grid_arguments))
-    run(os.environ["ORVA_PROGRAM"], "-q", "-i", ANILINE, "-t", "fchk")
+    run(*shlex.split(os.environ["ORVA_PROGRAM"]), "-q", "-i", ANILINE, "-t", "fchk")
     return "out.tot", "out.orva"
 
 
@@ -58,7 +59,7 @@ class Grid(Companion):
     def test_orva_reads_the_grid_and_its_faces_keep_the_margin(self):
         for path, kind in ((ANILINE, "fchk"), (WFN, "wfn")):
             Path("config").write_text(grid(path, 2.5, 0.4))
-            run(os.environ["ORVA_PROGRAM"], "-q", "-i", path, "-t", kind)
+            run(*shlex.split(os.environ["ORVA_PROGRAM"]), "-q", "-i", path, "-t", kind)
             lines = [line.split() for line in Path("out.tot").read_text().split("\n")]
             for k in range(3):
                 origin, (count, *step) = float(lines[2][1 + k]), lines[3 + k]
