@@ -52,3 +52,10 @@ build() {
   cmake -S . -B "$directory" -DCMAKE_BUILD_TYPE=Release "$@"
   cmake --build "$directory" --parallel "$(nproc)"
 }
+
+# The library that draws the pages of orva-view, where the tests find it.
+install_3dmol() {
+  if [ ! -e build/node_modules/3dmol ]; then
+    npm install --prefix build --no-save --no-audit --no-fund 3dmol
+  fi
+}
