@@ -15,8 +15,8 @@ endforeach()
 install(DIRECTORY completions/bash/ DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(DIRECTORY completions/zsh/ DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
 install(FILES README.md LICENSE CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(FILES doc/aniline.png DESTINATION ${CMAKE_INSTALL_DOCDIR}/doc)
-install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES doc/aniline.png doc/cookbook.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/doc)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} USE_SOURCE_PERMISSIONS)
 
 # The core library: find_package(orva) gives orva::core, with headers such as <orva/reader.hpp>.
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME library)
