@@ -122,9 +122,9 @@ TEST(Fchk, WithoutAnyBetaSectionBetaOrbitalsAreZerosAndAWarningTells) {
   EXPECT_EQ(printed([&] { read_fchk(whole), read_fchk(fchk_text()); }), "");
   const std::string no_beta_electron = broken(text, "beta electrons  ", "beta electrons 0\n");
   EXPECT_EQ(printed([&] { read_fchk(no_beta_electron); }), "");
-  const Breakage too_early[] = {{"Charge", "Beta MO coefficients\n 1\nBeta Orbital Energies\n 1\nCharge",
-                                 "missing section in fchk file - Beta MO coefficients"}};
-  expect_rejected(fcheck_read, text, too_early);
+  expect_rejected(fcheck_read, text,
+                  {{"Charge", "Beta MO coefficients\n 1\nBeta Orbital Energies\n 1\nCharge",
+                    "missing section in fchk file - Beta MO coefficients"}});
 }
 
 // What a cut leaves is rejected with one line, or it is as good as the whole file.
@@ -134,26 +134,19 @@ TEST(Fchk, NoCutOfAFileGivesAnotherMolecule) {
   expect_cuts_rejected(fcheck_read, fchk_text(), fchk_text().size());
 }
 
-// A file holds the orbitals of one spin at least, which is all that a count may announce.
+// A file holds the orbitals of one spin at least, which is all that a count of functions may announce.
 TEST(Fchk, LargeCountsAreDoubtedByWhatTheFileHolds) {
-  arg_quiet = 1;  // no warning of beta orbitals
-  const std::string text = fchk_text(unrestricted()), sections = text.substr(0, text.find("Alpha Orb"));
-  const auto zeros = [](unsigned count) { return lines_of(Numbers(count), "%2.0f", 5); };
-  const std::string orbitals = "Alpha Orbital Energies\n" + zeros(1100) + "Alpha MO coefficients\n";
-  const Breakage enough[] = {
-      {"functions ", "functions 1100\n", "wrong base reorder - number of basis functions"}};
-  expect_rejected(fcheck_read, sections + orbitals + zeros(1100 * 1100), enough);
-  const Breakage too_few[] = {
-      {"functions ", "functions 1100\n", "invalid count in fchk file - Number of basis functions"}};
-  expect_rejected(fcheck_read, sections + orbitals + zeros(1000 * 1000), too_few);
-  // A count without a line end behind it may have been cut off.
-  const Breakage cut_off[] = {
-      {"Number of electrons", "Electrons", "invalid count in fchk file - Number of electrons"}};
-  expect_rejected(fcheck_read, fchk_text() + "Number of electrons  I  1", cut_off);
-  EXPECT_EQ(read_fchk(broken(fchk_text(), "Number of electrons", "Electrons") + "Number of electrons 1\n")
-                ->electron_count,
-            1U);
-  arg_quiet = 0;
+  const std::tuple<std::string, std::uint64_t, std::uint64_t> rows[] = {
+      {"atoms", 300000, 4 * 300000},
+      {"basis functions", 1100, 1100 * 1101},
+      {"contracted shells", 400000, 3 * 400000},
+      {"primitive shells", 600000, 2 * 600000}};
+  for (const auto& [counted, count, numbers] : rows) {
+    const std::string label = "Number of " + counted, text = "t\nSP RHF\n" + label + " ";
+    const std::string next_fault = counted == "atoms" ? "Number of electrons" : "Number of atoms";
+    expect_doubted(fcheck_read, text + std::to_string(count) + "\n", numbers,
+                   "invalid count in fchk file - " + label, "missing section in fchk file - " + next_fault);
+  }
 }
 
 TEST(Fchk, AMoleculeOfNothingIsOne) {
@@ -183,58 +176,78 @@ TEST(Reorder, AbsentArraysEndTheRun) {
   without(&ShellTable::sp_coefficients), without(&ShellTable::coefficients), without(&ShellTable::exponents);
 }
 
+TEST(Fchk, EverySectionIsNeededAndHasToHoldNumbers) {
+  // The label, and what the numbers of an array are.
+  const std::pair<const char*, const char*> rows[] = {
+      {"Number of atoms", ""},
+      {"Number of alpha electrons", ""},
+      {"Number of beta electrons", ""},
+      {"Number of basis functions", ""},
+      {"Atomic numbers", "atomic numbers"},
+      {"Current cartesian coordinates", "cartesian coordinates"},
+      {"Alpha MO coefficients", "alpha MO coefficients"},
+      {"Beta MO coefficients", "beta MO coefficients"},
+      {"Alpha Orbital Energies", "alpha MO energies"},
+      {"Beta Orbital Energies", "beta MO energies"},
+      {"Number of contracted shells", ""},
+      {"Number of primitives per shell", "number of primitives per shell"},
+      {"Shell to atom map", "shell to atom indices"},
+      {"Shell types", "shell types"},
+      {"Primitive exponents", "primitive exponents"},
+      {"Contraction coefficients", "contraction coefficients"},
+      {"P(S=P) Contraction coefficients", "SP contraction coefficients"},
+      {"Number of primitive shells", ""}};
+  const std::string text = fchk_text(unrestricted());
+  for (const std::pair<std::string, std::string> row : rows) {
+    const auto& [label, numbers] = row;
+    const std::size_t place = text.find("\n" + label) + 1, line_end = text.find('\n', place);
+    const std::string line = text.substr(place, line_end - place);
+    std::vector<Breakage> breakages = {{"\n" + label, "\nX", "missing section in fchk file - " + label}};
+    if (!numbers.empty()) {
+      breakages.push_back({line + "\n", "Nothing\n", breakages[0].message});
+      breakages.push_back({line, line + "\nx", "cannot read " + numbers});
+    }
+    expect_rejected(fcheck_read, text, breakages);
+  }
+}
+
 TEST(Fchk, BadFilesEndTheRun) {
-  constexpr Breakage breakages[] = {
-      {"small", nullptr, "unexpected end of fchk file while reading comment line"},
-      {"SP ", nullptr, "unexpected end of input file"},
-      {"        UHF       small", "", "cannot find method which was used to compute MOs"},
-      {"   I                1\n", "   I\n", "cannot convert last word into integer"},
-      {"momentum ", "momentum 5\n", "maximal anglular momentum exceeds limit"},
-      {"momentum ", "momentum -1\n", "maximal anglular momentum exceeds limit"},
-      {"functions ", "functions 4\n", "wrong base reorder - number of basis functions"},
-      {"\n           3 ", "\nx", "cannot read atomic numbers"},
-      {"  3.0000000000000000E+00\nN", nullptr, "cannot read cartesian coordinates"},
-      {"  1.0000000000000000E+00  8.75", " D", "cannot read alpha MO coefficients"},
-      {" -5.0000000000000000E-01", " --", "cannot read beta MO coefficients"},
-      {" -2.0000000000000000E+00", "", "cannot read alpha MO energies"},
-      {" -1.0000000000000000E+00\nBeta MO", "\nBeta MO", "cannot read beta MO energies"},
-      {"           3           2\n", "  3.0  2\n", "cannot read number of primitives per shell"},
-      {"Primitive exp", nullptr, "missing section in fchk file - Alpha MO coefficients"},
-      {"           1           2\nPrim", " 1 99999999999\nPrim", "cannot read shell to atom indices"},
-      {"          -1           0\n", " -1 s\n", "cannot read shell types"},
-      {"  3.5000000000000000E+00  5.0", "\n\n  x", "cannot read primitive exponents"},
-      {"  7.5000000000000000E-01  5.0", " C ", "cannot read contraction coefficients"},
-      {"  1.2500000000000000E-01  6.2", "x", "cannot read SP contraction coefficients"},
-      {"Shell types", "Shell Types", "missing section in fchk file - Shell types"},
-      {"P(S=P)", "P(S-P)", "missing section in fchk file - P(S=P) Contraction coefficients"},
-      {"Beta MO", "Gamma MO", "missing section in fchk file - Beta MO coefficients"},
-      {"Beta Orb", "Gamma Orb", "missing section in fchk file - Beta Orbital Energies"},
-      {"Number of basis functions", "Energies", "missing section in fchk file - Number of basis functions"},
-      {"Number of atoms", "Atoms", "missing section in fchk file - Number of atoms"},
-      {"Number of contr", "Contr", "missing section in fchk file - Number of contracted shells"},
-      {"Number of primitive shells", "", "missing section in fchk file - Number of primitive shells"},
-      {"Number of alpha", "Alpha", "missing section in fchk file - Number of alpha electrons"},
-      {"Number of beta", "Beta", "missing section in fchk file - Number of beta electrons"},
-      {"          -1           0\n", " 5 0\n", "unknown shell type 5"},
-      {"          -1           0\n", " 0 -5\n", "unknown shell type -5"},
-      {"          -1           0\n", " 0 0\n", "wrong base reorder - number of basis functions"},
-      {"           3           2\n", " 3 4294967295\n", "wrong base reorder - number of primitives"},
-      {"           3           2\n", " 3 1\n", "wrong base reorder - number of primitives"},
-      {"           1           2\nPrim", " 0 2\nPrim", "shell atom index exceedes number of atoms"},
-      {"           1           2\nPrim", " 1 3\nPrim", "shell atom index exceedes number of atoms"},
-      {"atoms ", "atoms -2\n", "invalid count in fchk file - Number of atoms"},
-      {"atoms ", "atoms 2000000000\n", "invalid count in fchk file - Number of atoms"},
-      {"functions ", "functions 2147483647\n", "invalid count in fchk file - Number of basis functions"},
-      {"ive shells ", "ive shells 900000000\n", "invalid count in fchk file - Number of primitive shells"},
-      {"Charge", "Number of atoms 3\nCharge", "contradictory count in fchk file - Number of atoms"},
-      {"beta el", "beta electrons 6\n", "number of electrons exceeds number of orbitals in fchk file"},
-  };
-  expect_rejected(fcheck_read, fchk_text(unrestricted()), breakages);
-  constexpr Breakage restricted[] = {
-      {"Number of elec", "Elec", "missing section in fchk file - Number of electrons"},
-      {"Number of atoms", nullptr, "missing section in fchk file - Number of atoms"},
-      {"Number of electrons  ", "Number of electrons 12\n",
-       "number of electrons exceeds number of orbitals in fchk file"},
-  };
-  expect_rejected(fcheck_read, fchk_text(), restricted);
+  const std::string count = "invalid count in fchk file - Number of ",
+                    base = "wrong base reorder - number of ";
+  const std::string momentum = "maximal anglular momentum exceeds limit";
+  const std::string exceeds = "number of electrons exceeds number of orbitals in fchk file";
+  const std::string atom = "shell atom index exceedes number of atoms";
+  expect_rejected(
+      fcheck_read, fchk_text(unrestricted()),
+      {{"small", {}, "unexpected end of fchk file while reading comment line"},
+       {"SP ", {}, "unexpected end of input file"},
+       {"        UHF       small", "", "cannot find method which was used to compute MOs"},
+       {"   I                1\n", "   I\n", "cannot convert last word into integer"},
+       {"momentum ", "momentum 5\n", momentum},
+       {"momentum ", "momentum -1\n", momentum},
+       {"functions ", "functions 4\n", base + "basis functions"},
+       {"          -1           0\n", " 5 0\n", "unknown shell type 5"},
+       {"          -1           0\n", " 0 -5\n", "unknown shell type -5"},
+       {"          -1           0\n", " 0 0\n", base + "basis functions"},
+       {"           3           2\n", " 3 4294967295\n", base + "primitives"},
+       {"           3           2\n", " 3 1\n", base + "primitives"},
+       {"           1           2\nPrim", " 0 2\nPrim", atom},
+       {"           1           2\nPrim", " 1 3\nPrim", atom},
+       {"           1           2\nPrim", " 1 99999999999\nPrim", "cannot read shell to atom indices"},
+       {"atoms ", "atoms -2\n", count + "atoms"},
+       {"atoms ", "atoms 2000000000\n", count + "atoms"},
+       {"functions ", "functions 2147483647\n", count + "basis functions"},
+       {"Charge", "Number of atoms 3\nCharge", "contradictory count in fchk file - Number of atoms"},
+       {"alpha el", "alpha electrons 6\n", exceeds},
+       {"beta el", "beta electrons 6\n", exceeds}});
+  expect_rejected(fcheck_read, fchk_text(),
+                  {{"Number of elec", "Elec", "missing section in fchk file - Number of electrons"},
+                   {"Number of electrons  ", "Number of electrons 12\n", exceeds},
+                   {"Number of atoms", {}, "missing section in fchk file - Number of atoms"}});
+  // Without a line end behind it, a count may have been cut off.
+  expect_rejected(fcheck_read, fchk_text() + "Number of electrons 1",
+                  {{"Number of elec", "Elec", count + "electrons"}});
+  SmallFchk full;
+  full.electrons = 11;  // in five pairs, one for every orbital
+  EXPECT_EQ(read_fchk(fchk_text(full))->electron_count, 11U);
 }

@@ -10,6 +10,8 @@
 
 namespace {
 
+using Evaluator = double (*)(const BasisFunction*, unsigned, const double*);
+
 struct Tag;
 using Lanes = Pack<Tag, 2>;
 
@@ -25,10 +27,10 @@ struct Single {
     function = {code, static_cast<short>(component), code, 1, 0, &exponent, &coefficient, &atom};
   }
   double norm() const { return norm_fce(&function, 0); }
-  double at(double x, double y, double z) const { return prim_fce(&function, 0, std::data({x, y, z})); }
+  double at(const double* point) const { return prim_fce(&function, 0, point); }
   // The value without normalization and exponential.
-  double angular(double x, double y, double z) const {
-    return at(x, y, z) / (norm() * prim_fce_exp(&function, 0, std::data({x, y, z})));
+  double angular(const double* point) const {
+    return at(point) / (norm() * prim_fce_exp(&function, 0, point));
   }
 };
 
@@ -37,15 +39,13 @@ const std::map<int, int> component_counts = {{0, 1},  {1, 3},  {2, 6},  {3, 10},
 
 }  // namespace
 
-TEST(Norm, HasItsKnownValuesAndScalesWithTheExponent) {
+TEST(Norm, OfComponentsAndShellsThatDoNotExist) {
   const std::tuple<int, int, double> rows[] = {
-      {0, 0, 0.712705},  {1, 2, 1.425411},  {2, 2, 1.645923},  {2, 3, 2.850822},  {2, 7, 2.850822},
-      {2, -1, 1.645923}, {-2, 0, 0.822961}, {-2, 4, 2.850822}, {-2, 3, 1.425411}, {-2, 5, 0.0},
-      {-3, 7, 0.0},      {-4, 9, 0.0},      {-4, -1, 0.0},     {-1, 0, 1.0},      {5, 3, 1.0}};
+      // of d: xx and xy
+      {2, 7, 2.850822}, {2, -1, 1.645923}, {-2, 5, 0.0}, {-2, -1, 0.0}, {-3, 7, 0.0},
+      {-4, 9, 0.0},     {-4, -1, 0.0},     {-1, 0, 1.0}, {5, 3, 1.0},   {-5, 0, 1.0}};
   for (const auto& [type, component, expected] : rows) {
     EXPECT_NEAR(Single(type, component, 1.0).norm(), expected, 1e-6) << type << ' ' << component;
-    const double power = type == -1 || type == 5 ? 0.0 : 0.25 * (2 * std::abs(type) + 3);
-    EXPECT_NEAR(Single(type, component, 2.0).norm(), expected * std::pow(2.0, power), 1e-5);
   }
 }
 
@@ -57,8 +57,8 @@ TEST(Primitive, SquareOfEveryComponentIntegratesToOne) {
       const Single single(type, component, 0.6, {0.1, -0.2, 0.05});
       double integral = 0.0;
       for (int i = 0; i < 31 * 31 * 31; ++i) {
-        const double x = step * (i % 31 - 15), y = step * (i / 31 % 31 - 15), z = step * (i / 961 - 15);
-        integral += std::pow(single.at(x, y, z), 2) * step * step * step;
+        const double point[] = {step * (i % 31 - 15), step * (i / 31 % 31 - 15), step * (i / 961 - 15)};
+        integral += std::pow(single.at(point), 2) * step * step * step;
       }
       const double others[] = {280.0 / 297.0, 1.0, 1.0, 14.0 / 17.0};
       EXPECT_NEAR(integral, type == -4 && component < 4 ? others[component] : 1.0, 1e-8) << type << component;
@@ -77,7 +77,7 @@ TEST(Primitive, PurePolynomialsAreHarmonic) {
         for (int offset = -2; offset <= 2; ++offset) {
           double point[3] = {1.25, -0.75, 1.5};
           point[axis] += 0.5 * offset;
-          laplacian += weights[offset + 2] * single.angular(point[0], point[1], point[2]) / 0.25;
+          laplacian += weights[offset + 2] * single.angular(point) / 0.25;
         }
       }
       EXPECT_NEAR(laplacian, 0.0, 1e-11) << type << ' ' << component;
@@ -86,58 +86,88 @@ TEST(Primitive, PurePolynomialsAreHarmonic) {
 }
 
 TEST(Primitive, CartesianComponentsFollowTheTables) {
-  const std::map<int, std::vector<std::string>> tables = {
-      {1, {"x", "y", "z"}},
-      {2, {"xx", "yy", "zz", "xy", "xz", "yz"}},
-      {3, {"xxx", "yyy", "zzz", "xyy", "xxy", "xxz", "xzz", "yzz", "yyz", "xyz"}},
+  using Id = std::array<unsigned, 3>;  // axes, or powers of g functions
+  const std::tuple<int, Evaluator, void (*)(const BasisFunction*, Id&), std::vector<std::string>> tables[] = {
+      {1, prim_fce_p, [](auto* f, Id& id) { id[0] = static_cast<unsigned>(f->component); }, {"x", "y", "z"}},
+      {2,
+       dfce_d6,
+       [](auto* f, Id& id) { dfce_d6_id(f, &id[0], &id[1]); },
+       {"xx", "yy", "zz", "xy", "xz", "yz"}},
+      {3,
+       ffce_f10,
+       [](auto* f, Id& id) { ffce_f10_id(f, &id[0], &id[1], &id[2]); },
+       {"xxx", "yyy", "zzz", "xyy", "xxy", "xxz", "xzz", "yzz", "yyz", "xyz"}},
       {4,
+       gfce_g15,
+       [](auto* f, Id& id) { gfce_g15_id(f, &id[0], &id[1], &id[2]); },
        {"xxxx", "yyyy", "zzzz", "xxxy", "xxxz", "xyyy", "yyyz", "xzzz", "yzzz", "xxyy", "xxzz", "yyzz",
         "xxyz", "xyyz", "xyzz"}}};
-  for (const auto& [type, names] : tables) {
+  const double point[] = {3.0, -2.0, 6.0};
+  for (const auto& [type, evaluate, identify, names] : tables) {
     for (std::size_t component = 0; component < names.size(); ++component) {
       const Single single(type, static_cast<int>(component), 0.5, {1.0, 1.0, 1.0});
-      double expected = 1.0;
-      for (const char axis : names[component]) {
-        expected *= axis == 'x' ? 2.0 : axis == 'y' ? -3.0 : 5.0;
+      double factor = 1.0;
+      Id id = {9, 9, 9}, axes = id, powers = {0, 0, 0};
+      for (std::size_t i = 0; i < names[component].size(); ++i) {
+        const auto axis = static_cast<unsigned>(names[component][i] - 'x');
+        factor *= std::array{2.0, -3.0, 5.0}.at(axis);
+        ++powers.at(axis);
+        axes[i % 3] = axis;
       }
-      EXPECT_NEAR(single.angular(3.0, -2.0, 6.0), expected, 1e-12 * std::fabs(expected)) << names[component];
+      identify(&single.function, id);
+      EXPECT_EQ(id, type == 4 ? powers : axes) << names[component];
+      EXPECT_NEAR(single.angular(point), factor, 1e-12 * std::fabs(factor)) << names[component];
+      EXPECT_EQ(evaluate(&single.function, 0, point), single.at(point)) << names[component];
+    }
+    for (const int component : {-1, static_cast<int>(names.size())}) {
+      const Single none(type, component, 0.5);
+      Id id = {9, 9, 9};
+      EXPECT_EQ(evaluate(&none.function, 0, point), 0.0) << type;
+      identify(&none.function, id);
+      EXPECT_TRUE(type == 1 || id == (Id{9, 9, 9})) << type;
     }
   }
-  const Single d(2, 4, 1.0), f(3, 8, 1.0), g(4, 13, 1.0), none(4, 15, 1.0);
-  unsigned a = 9, b = 9, c = 9;
-  dfce_d6_id(&d.function, &a, &b);
-  EXPECT_EQ(std::tie(a, b), std::tuple(0U, 2U));
-  ffce_f10_id(&f.function, &a, &b, &c);
-  EXPECT_EQ(std::tie(a, b, c), std::tuple(1U, 1U, 2U));
-  gfce_g15_id(&g.function, &a, &b, &c), gfce_g15_id(&none.function, &a, &b, &c);
-  EXPECT_EQ(std::tie(a, b, c), std::tuple(1U, 2U, 1U)) << "untouched out of range";
 }
 
 TEST(Primitive, PureComponentsFollowTheTables) {
-  using Evaluator = double (*)(const BasisFunction*, unsigned, const double*);
   const double point[] = {1, 2, 3};
   const std::tuple<int, int, Evaluator, double> rows[] = {
-      {-2, 0, dfce_d5_zzrr, 13},     {-2, 1, dfce_d5_xy, 3},
-      {-2, 2, dfce_d5_xy, 6},        {-2, 3, dfce_d5_xxyy, -3},
-      {-2, 4, dfce_d5_xy, 2},        {-2, 0, dfce_d5_xy, 0},
-      {-3, 0, ffce_f7_z3r2z, 9},     {-3, 1, ffce_f7_z2xr2x, 31},
-      {-3, 2, ffce_f7_z2xr2x, 62},   {-3, 3, ffce_f7_x2zy2z, -9},
-      {-3, 4, ffce_f7_xyz, 6},       {-3, 5, ffce_f7_x3y2x, -11},
-      {-3, 6, ffce_f7_x3y2x, -2},    {-3, 4, ffce_f7_x3y2x, 0},
-      {-3, 6, ffce_f7_z2xr2x, 0},    {-4, 0, gfce_g9_z4z2r2r4, -357},
-      {-4, 1, gfce_g9_z3xr2xz, 63},  {-4, 2, gfce_g9_z3yr2yz, 126},
-      {-4, 3, gfce_g9_x2y2z2, -147}, {-4, 4, gfce_g9_xyz2xyr2, 98},
-      {-4, 5, gfce_g9_x3zy2xz, -33}, {-4, 6, gfce_g9_x2yzy3z, -6},
-      {-4, 7, gfce_g9_x4y4x2y2, -7}, {-4, 8, gfce_g9_x3yy3x, -6},
-      {-2, 5, dfce_d5, 0},           {-3, 7, ffce_f7, 0},
-      {-4, 9, gfce_g9, 0},           {-1, 0, prim_fce, 0}};
-  for (const auto& [type, component, evaluator, factor] : rows) {
+      {-2, 0, dfce_d5_zzrr, 13},       {-2, 1, dfce_d5_xy, 3},        {-2, 2, dfce_d5_xy, 6},
+      {-2, 3, dfce_d5_xxyy, -3},       {-2, 4, dfce_d5_xy, 2},        {-3, 0, ffce_f7_z3r2z, 9},
+      {-3, 1, ffce_f7_z2xr2x, 31},     {-3, 2, ffce_f7_z2xr2x, 62},   {-3, 3, ffce_f7_x2zy2z, -9},
+      {-3, 4, ffce_f7_xyz, 6},         {-3, 5, ffce_f7_x3y2x, -11},   {-3, 6, ffce_f7_x3y2x, -2},
+      {-4, 0, gfce_g9_z4z2r2r4, -357}, {-4, 1, gfce_g9_z3xr2xz, 63},  {-4, 2, gfce_g9_z3yr2yz, 126},
+      {-4, 3, gfce_g9_x2y2z2, -147},   {-4, 4, gfce_g9_xyz2xyr2, 98}, {-4, 5, gfce_g9_x3zy2xz, -33},
+      {-4, 6, gfce_g9_x2yzy3z, -6},    {-4, 7, gfce_g9_x4y4x2y2, -7}, {-4, 8, gfce_g9_x3yy3x, -6}};
+  for (const auto& [type, component, evaluate, factor] : rows) {
     const Single single(type, component, 0.25);
-    const double expected = factor * single.norm() * prim_fce_exp(&single.function, 0, point);
-    const double value = evaluator(&single.function, 0, point);
-    EXPECT_NEAR(value, expected, 1e-13 * std::fabs(expected)) << type << ' ' << component;
-    EXPECT_TRUE(factor == 0 || value == single.at(1, 2, 3)) << type << ' ' << component;
+    EXPECT_NEAR(single.angular(point), factor, 1e-13 * std::fabs(factor)) << type << ' ' << component;
+    EXPECT_EQ(evaluate(&single.function, 0, point), single.at(point)) << type << ' ' << component;
   }
+  const std::tuple<int, int, Evaluator> zeros[] = {
+      {-2, 0, dfce_d5_xy},    {-2, 3, dfce_d5_xy},    {-3, 0, ffce_f7_z2xr2x}, {-3, 3, ffce_f7_z2xr2x},
+      {-3, 4, ffce_f7_x3y2x}, {-3, 7, ffce_f7_x3y2x}, {-2, 5, dfce_d5},        {-3, 7, ffce_f7},
+      {-4, 9, gfce_g9},       {-4, -1, gfce_g9},      {-1, 0, prim_fce},       {5, 0, prim_fce}};
+  for (const auto& [type, component, evaluate] : zeros) {
+    const Single single(type, component, 0.25);
+    EXPECT_EQ(evaluate(&single.function, 0, point), 0.0) << type << ' ' << component;
+  }
+}
+
+// Where another order would give another number.
+TEST(Primitive, ProductsAndSumsAreRoundedFromTheLeft) {
+  const Single p(1, 0, 0.25);
+  const double x[] = {54.58, 0.0,
+                      0.0};  // the exponential is the smallest number, its product with the norm 0
+  EXPECT_GT(prim_fce_exp(&p.function, 0, x), 0.0);
+  EXPECT_EQ(p.at(x), 0.0);
+  constexpr double small = 0.66 * 0x1p-26, smaller = 0.64 * 0x1p-26;  // of both squares only the sum counts
+  const Single s(0, 0, 1.0);
+  const auto radial = [&](std::array<double, 3> point) { return prim_fce_exp(&s.function, 0, point.data()); };
+  EXPECT_EQ(radial({1.0, small, smaller}), exponential(-1.0));
+  EXPECT_EQ(radial({small, 1.0, smaller}), exponential(-1.0));
+  EXPECT_EQ(radial({small, smaller, 1.0}), exponential(-1.0 - 0x1p-52));
+  EXPECT_LT(exponential(-1.0 - 0x1p-52), exponential(-1.0));
 }
 
 TEST(Primitive, CubeIsRoundedAsPowDoesAlmostAlways) {

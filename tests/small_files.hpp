@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 
 #include "memory.hpp"
@@ -169,32 +170,6 @@ inline auto read_text(ReadInput read, const std::string& text) {
   return molecule;
 }
 
-/// A way to break a file: `from`, which must occur in it, becomes `to`, or the file ends there if `to` is
-/// null.
-struct Breakage {
-  const char *from, *to, *message;
-};
-
-inline std::string broken(std::string text, const char* from, const char* to) {
-  const std::size_t place = text.find(from);
-  EXPECT_NE(place, std::string::npos) << from;
-  return to == nullptr ? text.substr(0, place) : text.replace(place, std::string(from).size(), to);
-}
-
-/// Breaks a text in each of the ways and reads it in a child process, which must end with the message.
-inline void expect_rejected(ReadInput read, const std::string& text, std::span<const Breakage> breakages) {
-  const Scratch scratch;
-  for (const auto& [from, to, message] : breakages) {
-    SCOPED_TRACE(from);
-    set_input(scratch, broken(text, from, to));
-    Molecule molecule{};
-    expect_error([&] { read(&molecule); }, message);
-  }
-}
-
-/// Thrown in the place of the end of the process.
-struct FatalError {};
-
 /// All numbers that a reader has taken: those of a WFN file, and the beta orbitals.
 inline std::string all_numbers(const Molecule& molecule) {
   std::string text = wfn_text(molecule);
@@ -207,37 +182,82 @@ inline std::string all_numbers(const Molecule& molecule) {
   return text;
 }
 
+/// A way to break a file: `from`, which must occur in it, becomes `to`, or the file ends there without one.
+struct Breakage {
+  std::string from;
+  std::optional<std::string> to;
+  std::string message;
+};
+
+inline std::string broken(std::string text, const std::string& from, const std::optional<std::string>& to) {
+  const std::size_t place = text.find(from);
+  EXPECT_NE(place, std::string::npos) << from;
+  return to ? text.replace(place, from.size(), *to) : text.substr(0, place);
+}
+
+/// Breaks a text in each of the ways and reads it in a child process, which must end with the message.
+inline void expect_rejected(ReadInput read, const std::string& text, const std::vector<Breakage>& breakages) {
+  const Scratch scratch;
+  for (const auto& [from, to, message] : breakages) {
+    SCOPED_TRACE(from);
+    set_input(scratch, broken(text, from, to));
+    Molecule molecule{};
+    expect_error([&] { read(&molecule); }, message);
+  }
+}
+
+/// A file that holds `numbers` numbers of a digit behind `text`, or could, is read on, to its next fault. One
+/// byte less is too short for the last count in `text`.
+inline void expect_doubted(ReadInput read, const std::string& text, std::uint64_t numbers,
+                           const std::string& doubt, const std::string& next_fault) {
+  const Scratch scratch;
+  for (const auto& [size, message] : {std::pair{2 * numbers - 2, doubt}, {2 * numbers - 1, next_fault}}) {
+    set_input(scratch, text);
+    std::filesystem::resize_file(glob_file_input, text.size() + size);
+    Molecule molecule{};
+    expect_error([&] { read(&molecule); }, message);
+  }
+}
+
 /// Reads every beginning of a text in a child process. Those shorter than `needed` must be rejected with one
 /// line, all others give the same molecule as the whole. Only the one that is a whole file of its own may
 /// give another.
 inline void expect_cuts_rejected(ReadInput read, const std::string& text, std::size_t needed,
                                  std::size_t whole = std::string::npos) {
+  struct FatalError {};  // thrown in the place of the end of the process
   const auto read_cuts = [&] {
     const std::string expected = all_numbers(*read_text(read, text));
     msg_error_fce_set([](void*, void*) { throw FatalError(); }, nullptr, nullptr);
     const Scratch scratch;
-    for (std::size_t length = 0; length < text.size(); ++length) {
-      std::freopen((scratch / "messages").c_str(), "w", stdout);
-      set_input(scratch, text.substr(0, length));
+    set_input(scratch, text);
+    std::freopen((scratch / "messages").c_str(), "w", stdout);
+    std::size_t rejected = 0;
+    const int next_descriptor = dup(STDIN_FILENO);
+    close(next_descriptor);
+    for (std::size_t length = text.size(); length-- > 0;) {
+      std::filesystem::resize_file(glob_file_input, length);
+      std::string result = "rejected";
       Molecule molecule{};
       msg_ef.armed = 1;
-      std::string result = "taken";
       try {
         read(&molecule);
-        result += all_numbers(molecule) == expected ? " for the whole" : " for another";
+        result = all_numbers(molecule) == expected ? "the whole" : "another";
       } catch (const FatalError&) {
-        std::fflush(stdout);
-        const std::string message = read_file(scratch / "messages");
-        const bool is_one_line = message.starts_with("error: ") && message.find('\n') == message.size() - 1;
-        result = is_one_line ? "rejected" : "rejected with " + message;
+        ++rejected;
+        close(next_descriptor);  // that of the file
       }
-      if (result != (length < needed && length != whole ? "rejected"
-                     : length == whole                  ? "taken for another"
-                                                        : "taken for the whole")) {
+      if (result != (length == whole ? "another" : length < needed ? "rejected" : "the whole")) {
         std::fprintf(stderr, "%s: the first %zu characters\n", result.c_str(), length);
       }
     }
-    std::fflush(stderr);
+    std::fflush(stdout);
+    std::ifstream messages(scratch / "messages");
+    for (std::string line; std::getline(messages, line);) {
+      const bool is_error = line.starts_with("error: ");
+      rejected -= is_error ? 1 : 0;
+      std::fputs(is_error || line.starts_with("warning: ") ? "" : "neither error nor warning", stderr);
+    }
+    std::fputs(rejected == 0 ? "" : "not one line for every error", stderr);
     std::filesystem::remove_all(scratch.path());
     _exit(0);  // what was left behind by the errors is not to be missed
   };

@@ -4,30 +4,31 @@
 #include <random>
 
 #include "comp.hpp"
-#include "cube.hpp"
 #include "eval.hpp"
 #include "fcheck.hpp"
+#include "grid.hpp"
+#include "pack.hpp"
 #include "small_files.hpp"
 #include "str_real.hpp"
-#include "sweep_kernel.hpp"
-#include "vec_base.hpp"
 #include "wfn.hpp"
 
 namespace {
 
-// The source of the widest kernel, compiled for any processor.
-struct Tag;
-using EightLanes = SweepPass<Pack<Tag, 8>, 2, 6>;
-const SweepKernel eight_lanes = EightLanes::kernel("eight lanes", [] { return true; });
-
-std::vector<const SweepKernel*> supported_kernels() {
-  std::vector<const SweepKernel*> kernels(sweep_kernels().begin(), sweep_kernels().end());
-  std::erase_if(kernels, [](const SweepKernel* kernel) { return !kernel->is_supported(); });
-  return kernels;
+// Calls `use` once for every kernel that this processor has, which is then the one of the program.
+template <class Use>
+void with_every_kernel(Use use) {
+  for (const SweepKernel* kernel : sweep_kernels()) {
+    if (kernel->is_supported()) {
+      SCOPED_TRACE(kernel->name);
+      setenv("ORVA_KERNEL", kernel->name, 1);
+      use(kernel->name);
+    }
+  }
+  unsetenv("ORVA_KERNEL");
 }
 
 // Shells of every kind, with heads that fade at different distances, an order that does not, and a function
-// without primitives.
+// without primitives. Some energies are positive.
 SmallFchk every_shell(const std::string& method) {
   SmallFchk fields = {.method = method, .electrons = 15, .alpha_electrons = 8, .beta_electrons = 5};
   for (const int type : {0, 1, 2, 3, 4, -2, -3, -4}) {
@@ -38,6 +39,7 @@ SmallFchk every_shell(const std::string& method) {
   }
   fields.shells.push_back({0, 2, {}, {}, {}});
   fields.coefficient = [](unsigned i, unsigned j) { return std::sin(1.0 + i + 0.7 * j * (i + 1)); };
+  fields.energy = [](unsigned i) { return i % 3 == 1 ? 0.25 : -0.5 - i; };
   return fields;
 }
 
@@ -47,6 +49,8 @@ const CubeDefinition grids[] = {
     {{1, 1, 1}, {{0.0, 0.5, 3.0}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}},
     {{3, 1, 40}, {{0, 0, 0}}, {{0, 0, 9}, {0, 0, 0}, {0, 0, 1.5}}},             // to where all is 0
     {{2, 1, 12}, {{0, 0, 0}}, {{1e155, 0, 0}, {0, 0, 0}, {0, 1e154, 1e-300}}},  // beyond all reason
+    {{2, 2, 2}, {{0, 0, 0}}, {{0, 0, 1e16}, {0, 0, -1e16}, {0, 0, 1}}},         // of which the order counts
+    {{1, 1, 2}, {{std::nan(""), 0, 0}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 30}}},
     {{0, 4, 4}, {}, {}},
     {{4, 0, 4}, {}, {}},
     {{4, 4, 0}, {}, {}},
@@ -64,12 +68,50 @@ void expect_same_text(const Molecule& molecule) {
   }
 }
 
+// The bits of a number; one pattern for all that are none.
+std::uint64_t pattern(double value) { return std::isnan(value) ? 1 : bits_of(value); }
+
+// Every basis function as an orbital of its own, by every kernel: not a bit may differ from the evaluation
+// point by point, so that one that a skipped primitive would have changed is seen.
+void expect_every_bit(const Molecule& molecule, const std::vector<CubeDefinition>& cubes) {
+  const unsigned n = molecule.basis_count;
+  std::vector<double> ones(std::size_t{n} * n), functions(n);
+  std::vector<Orbital> orbitals(n);
+  for (std::size_t b = 0; b < n; ++b) {
+    ones[b * n + b] = 1.0;
+    orbitals[b] = {0.0, &ones[b * n]};
+  }
+  for (const CubeDefinition& cube : cubes) {
+    with_every_kernel([&](const char*) {
+      OrbitalValues values = comp_orbital_alloc(&cube, n, n);
+      comp_orbital_values(&molecule, &cube, orbitals.data(), n, &values);
+      std::size_t place = 0;
+      for_each_point(cube, [&](const double* point, unsigned) {
+        eval_bfce_vec(&molecule, point, functions.data());
+        for (unsigned b = 0; b < n; ++b) {
+          ASSERT_EQ(pattern(values.of(b)[place]), pattern(eval_mo(&orbitals[b], functions.data(), n)))
+              << b << " at point " << place;
+        }
+        ++place;
+      });
+    });
+  }
+}
+
+// Points from an atom away, `step` apart.
+CubeDefinition line_from(const Atom& atom, unsigned count, double first, double step) {
+  const auto& [x, y, z] = atom.coord;
+  return {{1, 1, count},
+          {{x + 0.36 * first, y + 0.48 * first, z + 0.8 * first}},
+          {{}, {}, {0.36 * step, 0.48 * step, 0.8 * step}}};
+}
+
 }  // namespace
 
 TEST(Sweep, WritesTheTextOfThePointByPointFunctionsWithEveryKernel) {
-  for (const SweepKernel* kernel : supported_kernels()) {
-    SCOPED_TRACE(kernel->name);
-    setenv("ORVA_KERNEL", kernel->name, 1);
+  std::string names;
+  with_every_kernel([&](const char* name) {
+    names += std::string(" ") + name;
     expect_same_text(*read_text(fcheck_read, fchk_text(every_shell("UHF"))));
     const auto cartesian = read_text(fcheck_read, fchk_text(every_shell("RHF")));
     expect_same_text(*cartesian);
@@ -79,103 +121,94 @@ TEST(Sweep, WritesTheTextOfThePointByPointFunctionsWithEveryKernel) {
     expect_same_text(*read_text(fcheck_read, fchk_text(empty)));
     empty.method = "UHF";
     empty.alpha_electrons = empty.beta_electrons = 0;
-    empty.coefficient = [](unsigned, unsigned) { return std::nan(""); };
+    empty.coefficient = [](unsigned, unsigned j) { return j == 3 ? HUGE_VAL : 0.5; };
     expect_same_text(*read_text(fcheck_read, fchk_text(empty)));
-  }
+  });
   setenv("ORVA_KERNEL", "abacus", 1);
-  std::string names;
-  for (const SweepKernel* kernel : supported_kernels()) {
-    names += std::string(" ") + kernel->name;
-  }
   expect_error([] { sweep_choose_kernel(); }, "kernel \"abacus\" is not available, only" + names);
   unsetenv("ORVA_KERNEL");
 }
 
-// Every basis function of a real molecule as an orbital of its own, so that a bit that a skipped primitive
-// would have changed is seen. Points crowd around the distances where contractions begin to start later.
 TEST(Sweep, GivesEveryBitOfEveryBasisFunction) {
-  std::mt19937_64 random(4);
-  std::uniform_real_distribution<double> unit(-1.0, 1.0);
   for (const char* name : {"aniline", "no2"}) {
     const auto molecule = read_text(fcheck_read, read_file(std::string(ORVA_EXAMPLES "/") + name + ".fchk"));
-    const unsigned n = molecule->basis_count;
-    std::vector<double> rows(std::size_t{n} * n);
-    std::vector<Orbital> orbitals(n);
-    std::vector<const Orbital*> list;
-    for (unsigned b = 0; b < n; ++b) {
-      rows[b * std::size_t{n} + b] = 1.0;
-      orbitals[b] = {0.0, &rows[b * std::size_t{n}]};
-      list.push_back(&orbitals[b]);
+    std::vector<CubeDefinition> lines;
+    for (const Atom& atom : std::span(molecule->atoms, molecule->atom_count)) {
+      lines.push_back(line_from(atom, 300, 0.0, 0.031)), lines.push_back(line_from(atom, 100, 9.0, 0.3));
     }
-    std::vector<const SweepKernel*> kernels = supported_kernels();
-    kernels.push_back(&eight_lanes);
-    for (const SweepKernel* kernel : kernels) {
-      Sweep sweep(molecule.get(), *kernel, SweepField::orbital, list, 1e3);
-      const unsigned room = sweep.block_points();
-      std::vector<double> points(3 * room), expected(n);
-      for (unsigned round = 0; round < 8000 / room; ++round) {
-        const unsigned count = round % 2 == 0 ? room : room - 3;
-        const Atom& atom = molecule->atoms[round % molecule->atom_count];
-        const BasisFunction& function = molecule->basis[(round * 7) % n];
-        for (unsigned i = 0; i < count; ++i) {
-          // r² = about 42 / (difference of two exponents), or anything
-          const double last = function.exponents[function.primitive_count - 1];
-          const double later = std::sqrt(45.0 / (function.exponents[0] - 0.9 * last));
-          const double r = i % 4 == 0 ? 30.0 * unit(random) : later * (1 + 0.1 * unit(random));
-          const double to[3] = {unit(random), unit(random), unit(random)};
-          for (unsigned c = 0; c < 3; ++c) {
-            points[c * room + i] = atom.coord[c] + r * to[c] / std::hypot(to[0], to[1], to[2]);
-          }
-        }
-        sweep.run(count, points.data());
-        for (unsigned i = 0; i < count; ++i) {
-          const double point[3] = {points[i], points[room + i], points[2 * room + i]};
-          eval_bfce_vec(molecule.get(), point, expected.data());
-          for (unsigned b = 0; b < n; ++b) {
-            ASSERT_EQ(bits_of(sweep.field(b)[i]), bits_of(expected[b])) << kernel->name << name << b;
-          }
-        }
-      }
-    }
+    expect_every_bit(*molecule, lines);
   }
 }
 
-TEST(Eval, WfnFileOfAMoleculeGivesTheFieldsOfItsCheckpointFile) {
-  const auto molecule = read_text(fcheck_read, fchk_text(every_shell("RHF")));
-  const auto from_wfn = read_text(wfn_read, wfn_text(*molecule));
-  const auto fields = [](const Molecule* one, double x) {
-    const double point[3] = {x, 0.4, 0.7};
-    std::vector<double> values(one->basis_count);
-    std::array<double, 2> result{};
-    eval_bfce_vec(one, point, values.data());
-    eval_orva(one, values.data(), &result[0], &result[1]);
-    return result;
-  };
-  for (const double x : {-2.0, -0.3, 0.1, 1.5}) {
-    const auto expected = fields(molecule.get(), x), found = fields(from_wfn.get(), x);
-    EXPECT_NEAR(found[0], expected[0], 1e-12 * expected[0]);
-    EXPECT_NEAR(found[1], expected[1], 1e-12 * expected[1]);
+// Contractions of which terms must not be left out, or only just.
+TEST(Sweep, GivesEveryBitOfOddContractions) {
+  const double nan = std::nan(""), inf = HUGE_VAL;
+  const std::pair<Numbers, Numbers> rows[] = {{{1.0}, {1e6}},  // 0.0 from r² = 745.1 on
+                                              {{2.0, 1.0}, {1.0, 1.0}},
+                                              {{1.0, 1.0}, {1.0, 0.5}},
+                                              {{1.05, 1.0}, {1.0, 1e-3}},
+                                              {{1.0, 2.0}, {1.0, 1.0}},
+                                              {{3.0, 0.5, 1.0}, {1.0, 1.0, 1.0}},
+                                              {{-0.001}, {1.0}},
+                                              {{0.0}, {1.0}},
+                                              {{1e-31}, {1.0}},
+                                              {{1e31}, {1.0}},
+                                              {{nan}, {1.0}},
+                                              {{2.0, 1.0}, {inf, 1.0}},
+                                              {{2.0, 1.0}, {1.0, nan}},
+                                              {{4.0, 1.0}, {1e300, 1e-10}},
+                                              {{2.0, 1.0}, {1.0, 0.0}},
+                                              {{2.0, -1.0}, {1.0, 1.0}},
+                                              {{inf, 1.0}, {1.0, 1.0}}};
+  for (const auto& [exponents, coefficients] : rows) {
+    SmallFchk fields;
+    fields.shells = {{1, 1, exponents, coefficients, {}}, {-4, 2, exponents, coefficients, {}}};
+    const auto molecule = read_text(fcheck_read, fchk_text(fields));
+    const Atom &first = molecule->atoms[0], &second = molecule->atoms[1];
+    expect_every_bit(*molecule, {line_from(first, 90, 0.0, 0.1), line_from(second, 80, 0.0, 0.45),
+                                 line_from(first, 300, 27.28, 1e-4)});
   }
 }
 
-TEST(Sweep, UndefinedPointsHaveNoDensity) {
-  const auto molecule = read_text(fcheck_read, fchk_text(every_shell("RHF")));
-  const CubeDefinition cube = {{1, 1, 2}, {{std::nan(""), 0, 0}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 30}}};
-  EXPECT_EQ(written([&](std::FILE* stream) { comp_data(molecule.get(), &cube, 10, 0, stream, nullptr); }),
-            "          nan          nan\n");
-}
-
-TEST(Sweep, BlocksOfOrbitalsHaveTheValuesOfSingleOnes) {
+// Numbers so large that products of them are infinite.
+TEST(Sweep, GivesEveryBitAtHugeCoordinates) {
   const auto molecule = read_text(fcheck_read, fchk_text(every_shell("UHF")));
-  const CubeDefinition& cube = grids[0];
-  OrbitalValues values = comp_orbital_alloc(&cube, 9, 70);
-  comp_orbital_values(molecule.get(), &cube, molecule->beta_orbitals + 1, 9, &values);
-  for (std::int16_t orbital = 2; orbital <= 10; ++orbital) {
-    EXPECT_EQ(written([&](std::FILE* stream) {
-                comp_write_values(&cube, values.of(static_cast<std::size_t>(orbital - 2)), stream);
-              }),
-              text_of_points(*molecule, cube, 201, orbital)[0]);
+  for (unsigned place = 0; place < 15; ++place) {
+    CubeDefinition cube = {{2, 2, 2}, {{0, 0, 0}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
+    double* const numbers[] = {cube.points[0], cube.vectors[0], cube.vectors[1], cube.vectors[2],
+                               molecule->atoms[0].coord};
+    const double before = std::exchange(numbers[place / 3][place % 3], 1e160);
+    expect_every_bit(*molecule, {cube});
+    numbers[place / 3][place % 3] = before;
   }
+}
+
+// Functions of one shell are evaluated together where they follow each other and share what they have.
+TEST(Sweep, GivesEveryBitInWhateverOrderTheFunctionsStand) {
+  SmallFchk fields;
+  fields.shells = {{1, 1, {1.0}, {1.0}, {}},           {1, 2, {1.0}, {1.0}, {}},
+                   {1, 1, {1.5}, {1.0}, {}},           {1, 1, {1.0}, {0.5}, {}},
+                   {1, 1, {1.0, 2.0}, {1.0, 0.5}, {}}, {2, 1, {1.0}, {1.0}, {}},
+                   {-2, 1, {1.0}, {1.0}, {}},          {0, 2, {1.0}, {1.0}, {}}};
+  const auto molecule = read_text(fcheck_read, fchk_text(fields));
+  const std::span functions(molecule->basis, molecule->basis_count);
+  const auto expect = [&] { expect_every_bit(*molecule, {grids[0]}); };
+  for (unsigned turn = 0; turn < 4; ++turn) {  // of the y functions among the p shells
+    expect();
+    for (unsigned shell = 0; shell < 4; ++shell) {
+      std::swap(functions[3 * shell + 1], functions[3 * shell + 4]);
+    }
+  }
+  std::ranges::stable_sort(functions, {}, &BasisFunction::component);
+  expect();
+  std::ranges::reverse(functions);
+  expect();
+  molecule->basis_count -= 2;  // the last shell is not whole
+  expect();
+  molecule->basis_count += 2;
+}
+
+TEST(Sweep, MemoryLimitsTheOrbitalsOfABlock) {
   const std::tuple<std::array<unsigned, 3>, unsigned, unsigned> rows[] = {
       {{80, 80, 80}, 0, 16},    {{400, 400, 400}, 0, 0},        {{200, 200, 200}, 0, 0}, {{0, 9, 9}, 9, 900},
       {{1, 1, 1}, 1U << 20, 7}, {{1, 1, 1}, (1U << 22) - 1, 2}, {{1, 1, 1}, 1U << 22, 0}};
@@ -196,10 +229,10 @@ TEST(ScientificText, IsThatOfPrintf) {
   const auto check_with_neighbours = [&](double value) {
     check(value), check(std::nextafter(value, 0.0)), check(std::nextafter(value, HUGE_VAL));
   };
-  for (int i = 0; i < 8000000; ++i) {
+  for (int i = 0; i < 1000000; ++i) {
     check(from_bits(random(), 0.0));  // every magnitude, NaN and infinities among them
   }
-  for (int i = 0; i < 700000; ++i) {  // decimal ties: six digits and a half
+  for (int i = 0; i < 100000; ++i) {  // decimal ties: six digits and a half
     const double digits = 100000.5 + static_cast<double>(random() % 900000);
     check_with_neighbours(digits * std::pow(10.0, static_cast<int>(random() % 40) - 20));
   }

@@ -46,26 +46,35 @@ inline CubeTexts text_of_sweep(const Molecule& molecule, const CubeDefinition& c
   return texts;
 }
 
+/// Calls use(point, k) for all points, the third axis fastest; k is the point's number along it.
+template <class Use>
+void for_each_point(const CubeDefinition& cube, Use use) {
+  const auto& [a, b, d] = cube.vectors;
+  for (unsigned i = 0; i < cube.npoints[0]; ++i) {
+    for (unsigned j = 0; j < cube.npoints[1]; ++j) {
+      for (unsigned k = 0; k < cube.npoints[2]; ++k) {
+        double point[3];
+        for (unsigned c = 0; c < 3; ++c) {
+          point[c] = cube.points[0][c] + i * a[c] + j * b[c] + k * d[c];
+        }
+        use(point, k);
+      }
+    }
+  }
+}
+
 /// By the functions for one point.
 inline CubeTexts text_of_points(const Molecule& molecule, const CubeDefinition& cube, std::int16_t code,
                                 std::int16_t orbital) {
   CubeTexts texts;
   comp_bfce_vec = vec_falloc(molecule.basis_count);
-  for (unsigned i = 0; i < cube.npoints[0]; ++i) {
-    for (unsigned j = 0; j < cube.npoints[1]; ++j) {
-      for (unsigned k = 0; k < cube.npoints[2]; ++k) {
-        double point[3], value[2];
-        for (unsigned c = 0; c < 3; ++c) {
-          const auto& [a, b, d] = cube.vectors;
-          point[c] = cube.points[0][c] + i * a[c] + j * b[c] + k * d[c];
-        }
-        comp_point_value(&molecule, point, code, orbital, &value[0], &value[1]);
-        const char* end = k % 6 == 5 || k + 1 == cube.npoints[2] ? "\n" : "";
-        texts[0] += formatted("%13.5e", value[code == 63]) + end;
-        texts[1] += code == 50 ? formatted("%13.5e", value[1]) + end : "";
-      }
-    }
-  }
+  for_each_point(cube, [&](const double* point, unsigned k) {
+    double value[2];
+    comp_point_value(&molecule, point, code, orbital, &value[0], &value[1]);
+    const char* end = k % 6 == 5 || k + 1 == cube.npoints[2] ? "\n" : "";
+    texts[0] += formatted("%13.5e", value[code == 63]) + end;
+    texts[1] += code == 50 ? formatted("%13.5e", value[1]) + end : "";
+  });
   vec_ffree(comp_bfce_vec);
   return texts;
 }

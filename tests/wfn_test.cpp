@@ -40,7 +40,9 @@ TEST(Wfn, FillsTheMolecule) {
 
 TEST(Wfn, BlocksOfSeveralLinesAreReadAsWritten) {
   SmallFchk fields;
-  fields.shells = {{4, 2, {4.0, 2.0, 1.0}, {0.5, 0.5, 0.25}, {}}, {0, 1, {0.5}, {1.0}, {}}};
+  for (const int type : {4, 0, 2, 3, 1}) {
+    fields.shells.push_back({type, 2, {4.0, 2.0, 1.0}, {0.5, 0.5, 0.25}, {}});
+  }
   const std::string text = wfn_text(*read_text(fcheck_read, fchk_text(fields)));
   EXPECT_EQ(wfn_text(*read_wfn(text)), text);
   std::string dos = text;
@@ -79,6 +81,18 @@ TEST(Wfn, OrbitalsThatAreNotListedShareTheirZeros) {
   }
 }
 
+TEST(Wfn, LargeCountsAreDoubtedByWhatTheFileHolds) {
+  const std::tuple<unsigned, unsigned, unsigned, std::string, std::string> rows[] = {
+      {1, 2, 300000, "nuclei", "cannot read atom symbol"},
+      {1100, 1100, 0, "orbitals or primitives", "cannot read unsigned int data block"}};
+  for (const auto& [orbitals, primitives, nuclei, counted, next_fault] : rows) {
+    const std::string text = "t\nGAUSSIAN" + formatted("%11u MOL ORBITALS", orbitals) +
+                             formatted("%11u PRIMITIVES", primitives) + formatted("%9u NUCLEI\n", nuclei);
+    const std::uint64_t numbers = nuclei > 0 ? 4 * nuclei : primitives * std::uint64_t{orbitals + 3};
+    expect_doubted(wfn_read, text, numbers, "invalid count in WFN file - number of " + counted, next_fault);
+  }
+}
+
 TEST(Wfn, NoCutOfAFileGivesAnotherMolecule) {
   for (const unsigned electrons : {0U, 2U, 4U}) {
     const std::string text = wfn_text(*read_text(fcheck_read, fchk_text({.electrons = electrons})));
@@ -88,15 +102,15 @@ TEST(Wfn, NoCutOfAFileGivesAnotherMolecule) {
 
 TEST(Wfn, BadFilesEndTheRun) {
   const std::string long_word(1024, '1');
-  const Breakage breakages[] = {
+  const std::vector<Breakage> breakages = {
       {"  7.5000000000000000E-01", long_word.c_str(), "cannot read number in real data block"},
-      {"small", nullptr, "unexpected end of WFN file while reading comment line"},
-      {"GAUSSIAN", nullptr, "unexpected end of WFN file while reading number of electrons"},
+      {"small", {}, "unexpected end of WFN file while reading comment line"},
+      {"GAUSSIAN", {}, "unexpected end of WFN file while reading number of electrons"},
       {"SIAN         2", "SIAN        -2", "cannot read number of orbitals"},
       {"ORBITALS      ", "\n", "cannot read number of primitives"},
       {"  14 PRIMITIVES", "   x PRIMITIVES", "cannot read number of primitives"},
       {"       2 NUCLEI", "    4294967296", "cannot read number of nuclei"},
-      {"  Li ", nullptr, "unexpected end of WFN file while reading coordinates"},
+      {"  Li ", {}, "unexpected end of WFN file while reading coordinates"},
       {"  H ", "\n", "cannot read atom symbol"},
       {"  0.0000000000000000E+00\n", "\n", "cannot read atomic coordinates"},
       {"  5.0000000000000000E-01  3.", "-", "cannot read atomic coordinates"},
@@ -105,19 +119,19 @@ TEST(Wfn, BadFilesEndTheRun) {
       {"  3.0000000000000000E+00\nCENTRE", " 3.00000000100.5\nCENTRE", "cannot read atomic coordinates"},
       {"  3.0000000000000000E+00\nCENTRE", " 3.0D+00\nCENTRE", "cannot read atomic coordinates"},
       {"EXPONENTS ", "EXPONENTS Z ", "cannot read number in real data block"},
-      {"CENTRE", nullptr, "unexpected end of file while reading data from WFN file"},
-      {"\nEXPONENTS", nullptr, "unexpected end of file while reading data from WFN file"},
+      {"CENTRE", {}, "unexpected end of file while reading data from WFN file"},
+      {"\nEXPONENTS", {}, "unexpected end of file while reading data from WFN file"},
       {"   2   2\nTYPE", "   2\nTYPE", "cannot read unsigned int data block"},
       {"   2   2\nTYPE", " 2 3\nTYPE", "shell atom index exceedes number of atoms"},
       {"CENTRE ASSIGNMENTS     1", "CENTRE ASSIGNMENTS     0", "shell atom index exceedes number of atoms"},
-      {"   1\nEXPO", nullptr, "cannot read unsigned int data block"},
+      {"   1\nEXPO", {}, "cannot read unsigned int data block"},
       {"  1.6000000000000000E+01", "  xD+01", "cannot convert fortran double precision type \"xE+01\""},
       {"  5.0000000000000000E-01\nMO", "\n", "cannot convert fortran double precision type \"OCC\""},
-      {"  5.0000000000000000E-01\nMO", nullptr, "cannot read number in real data block"},
-      {"\nMO  OCC", nullptr, "unexpected end of WFN file while reading MO coefficients"},
-      {"MO  OCC", nullptr, "unexpected end of file while reading molecular orbitals"},
+      {"  5.0000000000000000E-01\nMO", {}, "cannot read number in real data block"},
+      {"\nMO  OCC", {}, "unexpected end of WFN file while reading MO coefficients"},
+      {"MO  OCC", {}, "unexpected end of file while reading molecular orbitals"},
       {" -2.0000000000000000E+00", "x", "cannot read molecular orbital energy"},
-      {"  2.5000000000000000E-01\nEND", nullptr, "cannot read molecular orbital coefficients"},
+      {"  2.5000000000000000E-01\nEND", {}, "cannot read molecular orbital coefficients"},
       {"   2 MOL", "  15 MOL", "number of orbitals exceeds number of primitives in WFN file"},
       {"       2 NUCLEI", "       4294967295", "invalid count in WFN file - number of nuclei"},
       {"   14 PRIM", " 4000000000", "invalid count in WFN file - number of orbitals or primitives"},

@@ -81,10 +81,16 @@ TEST(Graph, TreeIsThatOfRepeatedSearches) {
       int **expected = mat_ialloc(n, n), **edges = mat_ialloc(n, n);
       search_tree(distances, expected, n);
       graph_connect(distances, edges, n);
+      Graph *tree = graph_create(distances, n), *filled = graph_create(distances, n);
+      std::fill_n(filled->first, n, -1), std::fill_n(filled->child, n, -1);
+      graph_fill(filled, expected, n);
+      EXPECT_TRUE(std::equal(tree->first, tree->first + n, filled->first)) << n << " atoms";
+      EXPECT_TRUE(std::equal(tree->child, tree->child + n - 1, filled->child)) << n << " atoms";
       for (unsigned i = 0; i < n; ++i) {
+        std::replace(edges[i], edges[i] + n, +graph_edge_tree, +graph_edge_walked);
         EXPECT_TRUE(std::equal(edges[i], edges[i] + n, expected[i])) << n << " atoms, row " << i;
       }
-      EXPECT_EQ(mat_ifree(expected, n) + mat_ifree(edges, n), 0);
+      graph_free(tree), graph_free(filled), mat_ifree(expected, n), mat_ifree(edges, n);
     });
   }
 }
