@@ -123,25 +123,6 @@ TEST_F(Config, GivenPointsAreReadAcrossLines) {
   }
 }
 
-// A user takes the "# " away from the six lines of an example in the commented sample.
-TEST_F(Config, VectorExampleOfTheSampleWorksAndThePointExampleDoesNot) {
-  const auto activated = [](std::string text, const std::string& first_line) {
-    std::size_t at = text.find("# " + first_line);
-    for (int line = 0; line < 6 && text[at] == '#'; ++line) {
-      at = text.erase(at, 2).find('\n', at) + 1;
-    }
-    return text;
-  };
-  const std::string sample = read_file(ORVA_TEST_DATA "/sample_explained.config");
-  read_config(activated(sample, "DEFINE_CUBE 1"));
-  EXPECT_EQ(conf_cube_def, 1);
-  EXPECT_EQ(std::to_array(cube.npoints), (std::array{80U, 80U, 80U}));
-  EXPECT_EQ(std::to_array(cube.points[0]), (std::array{-1.0, -1.0, -1.0}));
-  EXPECT_EQ(std::to_array(cube.vectors[2]), (std::array{0.0, 0.0, 0.125}));
-  expect_error([&] { read_config(activated(sample, "DEFINE_CUBE 2")); },
-               "cannot read points in cube definition");
-}
-
 TEST_F(Config, WhatIsWrongIsSaidAndEndsTheRun) {
   const std::string format = "wrong format of config file - ", value = "invalid value in config file - ";
   const std::string option = "invalid option in config file ", grid = " in cube definition";

@@ -1,61 +1,9 @@
 #include "cube.hpp"
 
-#include <algorithm>
 #include <cstring>
 
-#include "comp.hpp"
 #include "fcheck.hpp"
 #include "small_files.hpp"
-
-namespace {
-
-// A cube file as other programs read it.
-struct Cube {
-  int atom_count = 0;
-  CubeDefinition grid{};
-  std::vector<double> values;
-};
-
-Cube parsed(const std::string& text) {
-  Cube cube;
-  std::istringstream in(text);
-  std::string line;
-  std::getline(in, line), std::getline(in, line);
-  in >> cube.atom_count >> cube.grid.points[0][0] >> cube.grid.points[0][1] >> cube.grid.points[0][2];
-  for (unsigned axis = 0; axis < 3; ++axis) {
-    in >> cube.grid.npoints[axis];
-    std::ranges::for_each(cube.grid.vectors[axis], [&](double& step) { in >> step; });
-  }
-  for (int i = 0; i <= std::abs(cube.atom_count) + (cube.atom_count < 0); ++i) {
-    std::getline(in, line);
-  }
-  cube.values.assign(std::istream_iterator<double>(in), {});
-  return cube;
-}
-
-std::vector<double> data_of(const Molecule& molecule, const CubeDefinition& grid, std::int16_t code,
-                            std::int16_t orbital) {
-  std::istringstream in(
-      written([&](std::FILE* stream) { comp_data(&molecule, &grid, code, orbital, stream, nullptr); }));
-  return {std::istream_iterator<double>(in), {}};
-}
-
-}  // namespace
-
-// tests/data/README.md tells how the other program's files were made.
-TEST(Cube, AgreesWithTheCubeOfAnotherProgram) {
-  const auto molecule = read_text(fcheck_read, read_file(ORVA_TEST_DATA "/oh.fchk"));
-  using Row = std::tuple<const char*, std::int16_t, std::int16_t>;
-  for (const auto& [name, code, orbital] : {Row{"oh_density.cube", 10, 0}, Row{"oh_beta_5.cube", 201, 5}}) {
-    const Cube other = parsed(read_file(std::string(ORVA_TEST_DATA "/") + name));
-    const std::vector<double> values = data_of(*molecule, other.grid, code, orbital);
-    ASSERT_EQ(values.size(), 9U * 10 * 9);
-    ASSERT_EQ(values.size(), other.values.size());
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      ASSERT_NEAR(values[i], other.values[i], 1.01e-5 * std::fabs(other.values[i]) + 1e-9) << name;
-    }
-  }
-}
 
 TEST(Grid, AutomaticBoxFollowsTheAtoms) {
   const auto molecule = read_text(fcheck_read, fchk_text({.atoms = {{1, {1, 0, 4}}, {6, {0, -2, 1}}}}));

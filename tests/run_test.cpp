@@ -84,29 +84,16 @@ TEST_F(Run, WholeReportLineByLine) {
   EXPECT_EQ(files(here), (std::set<std::string>{"config", "lih.fchk", "out.mod.2a", "out.orva", "out.tot"}));
 }
 
-// The words of a cube file behind its header.
-std::vector<double> values(const std::string& cube) {
-  std::istringstream words(cube.substr(cube.find(cube_atoms) + cube_atoms.size()));
-  return {std::istream_iterator<double>(words), {}};
-}
-
-TEST_F(Run, OrbitalCubeFileIsThatOfTheClosedForms) {
-  report("CUBE_ONE_MO 1\nCUBE_ONE_SPEC 1\nCUBE_ORVA 0\nCUBE_TOT_DENSITY 0\nCUBE_FILE_ORBITAL mo.cube\n" +
-         grid);
-  EXPECT_EQ(read_file(here / "mo.cube"), read_file(ORVA_TEST_DATA "/lih_alpha_1.cube"));
-}
-
-TEST_F(Run, DensityAndIonizationPotentialCorrespondPointByPoint) {
-  report("CUBE_ALL_MO 1\n" + grid);
-  const auto density = values(read_file(here / "out.tot")), potential = values(read_file(here / "out.orva"));
-  const auto first = values(read_file(here / "out.orb.1a")), second = values(read_file(here / "out.orb.2a"));
-  ASSERT_EQ(density.size(), 14U);
-  ASSERT_EQ(potential.size(), 14U);
-  for (unsigned i = 0; i < 14; ++i) {  // 1 and the number of the orbital stand before its values
-    const double one = 2 * std::pow(first.at(i + 2), 2);  // alpha and beta orbital 1 differ in sign only
-    const double two = std::pow(second.at(i + 2), 2);
-    EXPECT_NEAR(density[i], one + two, 4e-5 * density[i]);
-    EXPECT_NEAR(potential[i], (0.25 * one + 0.5 * two) / (one + two), 4e-5);
+TEST_F(Run, OrbitalCubeFilesAreThoseOfTheClosedForms) {
+  const std::string only_orbitals = "CUBE_ORVA 0\nCUBE_TOT_DENSITY 0\n" + grid;
+  const std::tuple<std::string, std::string, std::string> rows[] = {
+      {"CUBE_ONE_MO 1\nCUBE_ONE_SPEC 1\nCUBE_FILE_ORBITAL mo.cube\n", "mo.cube", "/lih_alpha_1.cube"},
+      {"CUBE_ONE_MO 1\nCUBE_ONE_SPEC 2\nCUBE_ONE_TYPE 1\n", "out.orb", "/lih_beta_2.cube"},
+      {"CUBE_ALL_MO 1\n", "out.orb.1a", "/lih_alpha_1.cube"},
+      {"CUBE_ALL_MO 1\n", "out.orb.2b", "/lih_beta_2.cube"}};
+  for (const auto& [config, file, expected] : rows) {
+    report(config + only_orbitals);
+    EXPECT_EQ(read_file(here / file), read_file(ORVA_TEST_DATA + expected)) << config;
   }
 }
 
@@ -257,7 +244,6 @@ TEST_F(Run, WhatCannotBeDoneIsRefusedBeforeAFileIsOpened) {
   const std::string set_kernel = "ORVA_KERNEL=abacus ", go = ORVA_PROGRAM " -o report " + run_lih;
   const std::tuple<std::string, std::string, std::string> rows[] = {
       {"", set_kernel + go, "error: kernel \"abacus\" is not available, only "},
-      {"CUBE_ONE_MO 1", go, "error: invalid value in config file - number of orbital from 1 to 5 expected\n"},
       {"CUBE_ONE_MODEN 6", go,
        "error: invalid value in config file - number of orbital from 1 to 5 expected\n"},
   };
@@ -343,8 +329,6 @@ TEST_F(Run, RestrictedWavefunctionHasOneOrbitalListing) {
   const std::string heading = banner + "\n\n  Molecular orbitals:\n\n              1              2";
   EXPECT_EQ(output.substr(0, heading.size()), heading);
   EXPECT_EQ(output.find("lpha"), std::string::npos);
-  // 19 functions: three blocks of five columns and one of four, each with a line of numbers and 19 rows.
-  EXPECT_EQ(std::ranges::count(output, '\n'), 3 + 4 + 4 * 20 + 4 + 4 + 2);
 }
 
 TEST(Listing, ShellsWithoutSymbolAndAtomsWithoutElementAreCalledX) {

@@ -52,35 +52,6 @@ TEST(Wfn, BlocksOfSeveralLinesAreReadAsWritten) {
   EXPECT_EQ(wfn_text(*read_wfn(dos)), text);
 }
 
-TEST(Wfn, NumbersInFortranNotationAreTakenWhole) {
-  const std::string text = wfn_text(*read_text(fcheck_read, fchk_text()));
-  constexpr std::tuple<const char*, const char*, const char*> rows[] = {
-      {" -2.0000000000000000E+00", " -2.0000000000000000-100", " -2.0E-100"},
-      {"  0.0000000000000000E+00\n  H", "  0.5000000000000000+100\n  H", "  0.5E+100\n  H"},
-      {"  1.6000000000000000E+01", "  1.6000000000000000-101", "  1.6E-101"},
-      {"  7.5000000000000000E-01", "  7.5000000000000000D-01", "  7.5E-01"},
-  };
-  for (const auto& [from, fortran, plain] : rows) {
-    EXPECT_EQ(wfn_text(*read_wfn(broken(text, from, fortran))),
-              wfn_text(*read_wfn(broken(text, from, plain))));
-  }
-}
-
-TEST(Wfn, OrbitalsThatAreNotListedShareTheirZeros) {
-  inp_rest_scf = 1;
-  for (const unsigned listed : {0U, 2U, 4U, 5U}) {
-    Molecule molecule{};
-    molecule.basis_count = 4;
-    mem_alloc_listed_orbitals(&molecule, listed);
-    for (unsigned i = 1; i < 4; ++i) {
-      EXPECT_EQ(molecule.alpha_orbitals[i].coefficients == molecule.alpha_orbitals[i - 1].coefficients,
-                i > listed);
-      EXPECT_EQ(molecule.alpha_orbitals[i].coefficients[3], 0.0);
-    }
-    mem_clean(&molecule, nullptr);
-  }
-}
-
 TEST(Wfn, LargeCountsAreDoubtedByWhatTheFileHolds) {
   const std::tuple<unsigned, unsigned, unsigned, std::string, std::string> rows[] = {
       {1, 2, 300000, "nuclei", "cannot read atom symbol"},
