@@ -60,7 +60,6 @@ TEST(Cube, OrbitalsThatAreNotThereAreRejected) {
       expect_error([&] { cube_check(molecule.get(), code); },
                    invalid + "number of orbital from 1 to 5 expected");
     }
-    cube_check(molecule.get(), 21), cube_check(molecule.get(), 50);  // these have no number
   }
   conf_cube_onesp = 5, conf_cube_moden = 1;
   cube_check(molecule.get(), 31);

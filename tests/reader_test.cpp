@@ -3,7 +3,6 @@
 #include <cstring>
 #include <limits>
 #include <memory>
-#include <random>
 #include <span>
 
 #include "string.hpp"
@@ -102,44 +101,6 @@ TEST(Reader, AnIntegerThatDoesNotFitIsNone) {
   }
   EXPECT_EQ(by_reader<unsigned>("4294967296 x"), "none, left:  x");
   EXPECT_EQ(by_reader<unsigned>(std::string(buffer_size, '0') + "12 x"), "0x1.8p+3 left:  x");
-}
-
-TEST(Reader, RealsAreTheNearestDoublesWhereverBuffersEnd) {
-  std::mt19937_64 random(1);
-  std::string text = std::string(2 * buffer_size, '3') + "e-" + std::to_string(2 * buffer_size) + "\n";
-  std::vector<double> expected = {std::strtod(text.c_str(), nullptr)};
-  for (int i = 0; i < 20000; ++i) {
-    const double mantissa = std::uniform_real_distribution(-10.0, 10.0)(random);
-    const std::string word = formatted(i % 3 == 0 ? " %.16E" : " % .8E\n",
-                                       std::ldexp(mantissa, static_cast<int>(random() % 2000) - 1000));
-    text += word;
-    expected.push_back(std::strtod(word.c_str(), nullptr));
-  }
-  const File file = file_of(text);
-  Reader reader(file.get());
-  for (const double value : expected) {
-    double read = 0.0;
-    ASSERT_TRUE(reader.number(read));
-    ASSERT_EQ(read, value);
-  }
-}
-
-TEST(Reader, LinesComeInTheSamePiecesAsFromFgets) {
-  std::string text("one\n\n\0hidden\n", 13);
-  for (const std::size_t length : {1022UL, 1023UL, 1024UL, 2046UL, buffer_size, 3 * buffer_size + 7}) {
-    text += std::string(length, 'x') + "\n";
-  }
-  text += "no newline";
-  for (const std::size_t size : {2UL, 17UL, 1024UL}) {
-    const File file = file_of(text), again = file_of(text);
-    Reader reader(file.get());
-    std::vector<char> piece(size), expected(size);
-    while (std::fgets(expected.data(), static_cast<int>(size), again.get()) != nullptr) {
-      ASSERT_TRUE(reader.line(piece));
-      ASSERT_STREQ(piece.data(), expected.data());
-    }
-    EXPECT_FALSE(reader.line(piece));
-  }
 }
 
 TEST(Reader, SkipsRawColumnsAndTakesWordsThatFit) {

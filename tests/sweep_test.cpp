@@ -140,33 +140,21 @@ TEST(Sweep, GivesEveryBitOfEveryBasisFunction) {
   }
 }
 
-// Contractions of which terms must not be left out, or only just.
+// Contractions of which terms must not be left out, or only just: two exponents, two coefficients.
 TEST(Sweep, GivesEveryBitOfOddContractions) {
   const double nan = std::nan(""), inf = HUGE_VAL;
-  const std::pair<Numbers, Numbers> rows[] = {{{1.0}, {1e6}},  // 0.0 from r² = 745.1 on
-                                              {{2.0, 1.0}, {1.0, 1.0}},
-                                              {{1.0, 1.0}, {1.0, 0.5}},
-                                              {{1.05, 1.0}, {1.0, 1e-3}},
-                                              {{1.0, 2.0}, {1.0, 1.0}},
-                                              {{3.0, 0.5, 1.0}, {1.0, 1.0, 1.0}},
-                                              {{-0.001}, {1.0}},
-                                              {{0.0}, {1.0}},
-                                              {{1e-31}, {1.0}},
-                                              {{1e31}, {1.0}},
-                                              {{nan}, {1.0}},
-                                              {{2.0, 1.0}, {inf, 1.0}},
-                                              {{2.0, 1.0}, {1.0, nan}},
-                                              {{4.0, 1.0}, {1e300, 1e-10}},
-                                              {{2.0, 1.0}, {1.0, 0.0}},
-                                              {{2.0, -1.0}, {1.0, 1.0}},
-                                              {{inf, 1.0}, {1.0, 1.0}}};
-  for (const auto& [exponents, coefficients] : rows) {
+  const double rows[][4] = {{1, 1, 1e6, 0},   {2, 1, 1, 1},      {1, 1, 1, 0.5},       {1.05, 1, 1, 1e-3},
+                            {1, 2, 1, 1},     {-0.001, 1, 1, 1}, {0, 1, 1, 1},         {2, 0, 1, 1},
+                            {1e-31, 1, 1, 1}, {1e31, 1, 1, 1},   {nan, 1, 1, 1},       {inf, 1, 1, 1},
+                            {2, 1, inf, 1},   {2, 1, 1, nan},    {4, 1, 1e300, 1e-10}, {2, 1, 1, 0},
+                            {2, -1, 1, 1},    {2, 1, 0, 0}};
+  for (const auto& [a, b, c, d] : rows) {
     SmallFchk fields;
-    fields.shells = {{1, 1, exponents, coefficients, {}}, {-4, 2, exponents, coefficients, {}}};
+    fields.shells = {{1, 1, {a, b}, {c, d}, {}}, {-4, 2, {b, a, 0.5}, {d, c, 1.0}, {}}};
     const auto molecule = read_text(fcheck_read, fchk_text(fields));
     const Atom &first = molecule->atoms[0], &second = molecule->atoms[1];
     expect_every_bit(*molecule, {line_from(first, 90, 0.0, 0.1), line_from(second, 80, 0.0, 0.45),
-                                 line_from(first, 300, 27.28, 1e-4)});
+                                 line_from(first, 300, 27.28, 1e-4)});  // about r² = 745.1
   }
 }
 

@@ -63,12 +63,7 @@ void search_tree(const double* const* distances, int** edges, unsigned n) {
 }  // namespace
 
 TEST(Graph, TreeIsThatOfRepeatedSearches) {
-  std::vector<Points> molecules(2);
-  for (unsigned i = 0; i < 27; ++i) {  // a lattice, and the same points as fragments of three and of one
-    const double x = i % 3, y = i / 3 % 3, z = i / 9;
-    molecules[0].push_back({x, y, z});
-    molecules[1].push_back({x + (i % 9 == 0 ? 500 : 0), 100 * y, 2000 * z});
-  }
+  std::vector<Points> molecules;
   for (unsigned n = 1; n <= 30; ++n) {  // with many equal distances, many of them zero
     for (unsigned width = 2; width < 6; ++width) {
       molecules.push_back(random_points(n, width, 1.5));
@@ -90,24 +85,6 @@ TEST(Graph, TreeIsThatOfRepeatedSearches) {
         EXPECT_TRUE(std::equal(edges[i], edges[i] + n, expected[i])) << n << " atoms, row " << i;
       }
       graph_free(tree), graph_free(filled), mat_ifree(expected, n), mat_ifree(edges, n);
-    });
-  }
-}
-
-TEST(Graph, ChildrenStandInAtomOrder) {
-  const std::tuple<Points, std::vector<int>, std::vector<int>> rows[] = {
-      {{{0, 0, 0}}, {0}, {}},
-      {{{0, 0, 0}, {0, 0, 2}, {0, 2, 0}}, {0, 2, 2}, {1, 2}},                       // water
-      {{{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {0, 2, 3, 3}, {1, 3, 2}},      // ring, opened at 2-3
-      {{{9, 0, 0}, {0, 0, 0}, {3, 0, 0}, {6, 0, 0}}, {0, 1, 1, 2}, {3, 1, 2}},      // order of visits 0 3 2 1
-      {{{0, 0, 0}, {9e5, 0, 0}, {9e5, 1, 0}, {1, 0, 0}}, {0, 1, 2, 2}, {3, 2, 1}},  // two fragments
-  };
-  for (const auto& [points, first, child] : rows) {
-    with_molecule(points, [&first = first, &child = child](const Molecule* molecule, double** distances) {
-      Graph* graph = graph_create(distances, molecule->atom_count);
-      EXPECT_EQ(std::vector<int>(graph->first, graph->first + graph->nvert), first);
-      EXPECT_EQ(std::vector<int>(graph->child, graph->child + graph->nedge), child);
-      graph_free(graph);
     });
   }
 }
