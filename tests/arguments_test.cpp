@@ -63,7 +63,7 @@ TEST(Arguments, MistakesEndWithUsageAndReason) {
       {{"-n", "2147483648"}, "cannot assign value \"2147483648\" to option \"-n\""},
       {{"a", endless.c_str()}, "excessive argument \"" + endless.substr(0, 235)}};
   for (const auto& [words, reason] : rows) {
-    expect_exit([&words = words] { read(words); }, 1, usage + "error: " + reason + "\n");
+    expect_exit([&words = words] { read(words); }, 1, std::string(usage).append("error: " + reason + "\n"));
   }
   expect_exit([] { read({"-qf", "x"}); }, 1, usage);
   expect_exit([] { read({"-q", "-H", "-x"}); }, 0, usage + "help\n");
