@@ -34,18 +34,13 @@ TEST(Grid, PointsGiveTheStepsAlongTheirPath) {
 
 TEST(Grid, UnknownRadiusIsToldOnlyWhenWarningsAreWanted) {
   constexpr const char* warning = "warning: unknown radius of atom S, using default value 4.3 A\n";
+  const std::pair<unsigned, double> radii[] = {{1, 2.9}, {6, 4.2},  {7, 3.0},  {8, 3.8},
+                                               {9, 3.0}, {17, 4.3}, {44, 4.3}, {78, 4.3}};
   for (const auto& [is_wanted, is_quiet] : {std::pair{0, 0}, {0, 1}, {1, 0}, {1, 1}}) {
     arg_warning = static_cast<std::int16_t>(is_wanted), arg_quiet = static_cast<std::int16_t>(is_quiet);
     EXPECT_EQ(printed([] { EXPECT_EQ(cube_atom_radius(16), 4.3); }), is_wanted > is_quiet ? warning : "");
-    for (const auto& [number, radius] : {std::pair{1U, 2.9},
-                                         {6U, 4.2},
-                                         {7U, 3.0},
-                                         {8U, 3.8},
-                                         {9U, 3.0},
-                                         {17U, 4.3},
-                                         {44U, 4.3},
-                                         {78U, 4.3}}) {
-      EXPECT_EQ(printed([=] { EXPECT_EQ(cube_atom_radius(number), radius) << number; }), "") << number;
+    for (const auto& known : radii) {
+      EXPECT_EQ(printed([&] { EXPECT_EQ(cube_atom_radius(known.first), known.second); }), "") << known.first;
     }
   }
   arg_warning = arg_quiet = 0;
