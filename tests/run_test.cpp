@@ -104,8 +104,8 @@ std::uint64_t digest(const std::string& cube, unsigned atom_count) {
     at = cube.find('\n', at) + 1;
   }
   std::uint64_t hash = 0xcbf29ce484222325;
-  for (const unsigned char byte : cube.substr(at)) {
-    hash = (hash ^ byte) * 0x100000001b3;
+  for (const char byte : cube.substr(at)) {
+    hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001b3;
   }
   return hash;
 }
