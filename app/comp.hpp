@@ -16,7 +16,8 @@
 extern double* comp_bfce_vec;
 
 /// Writes the data of a field for all points, the third axis fastest, "%13.5e" each, six to a line, every row
-/// of the third axis on a new line. Codes as for cube_write_file; `second` (null but for code 50) gets the
+/// of the third axis on a new line. Codes as for cube_write_file; `second`, null but for
+/// field_density_and_potential, gets the
 /// average local ionization potential.
 void comp_data(const Molecule* molecule, const CubeDefinition* cube, std::int16_t code, std::int16_t orbital,
                std::FILE* first, std::FILE* second);
@@ -43,8 +44,8 @@ void comp_orbital_values(const Molecule* molecule, const CubeDefinition* cube, c
 /// Writes values of all grid points as comp_data does.
 void comp_write_values(const CubeDefinition* cube, std::span<const double> values, std::FILE* stream);
 
-/// The field of the code at one point (x, y, z in bohr) in `first`; for codes 50 and 63 `first` is the total
-/// density (bohr^-3) and `second` the average local ionization potential (hartree). Other codes leave
+/// The field of the code at one point (x, y, z in bohr) in `first`; for those of the potential `first` is the
+/// total density (bohr^-3) and `second` the average local ionization potential (hartree). Other codes leave
 /// `second` as it is. comp_bfce_vec must have room for all basis functions.
 void comp_point_value(const Molecule* molecule, const double* point, std::int16_t code, std::int16_t orbital,
                       double* first, double* second);

@@ -54,19 +54,18 @@ void write_file(const Molecule* molecule, const CubeDefinition* cube, std::FILE*
   }
 }
 
+std::string numbered_name(const char* name, std::int16_t code, unsigned number) {
+  return std::string(name) + '.' + std::to_string(number) + (code == field_beta_orbital ? 'b' : 'a');
+}
+
 std::string orbital_file_name(std::int16_t code, unsigned number) {
-  return std::string(glob_cube_file_orb) + '.' + std::to_string(number) +
-         (code == field_beta_orbital ? 'b' : 'a');
+  return numbered_name(glob_cube_file_orb, code, number);
 }
 
 // The codes of the orbitals' files: alpha, and beta of an unrestricted wavefunction.
 std::span<const std::int16_t> orbital_codes() {
   static constexpr std::array<std::int16_t, 2> codes = {field_alpha_orbital, field_beta_orbital};
   return std::span(codes).first(inp_rest_scf != 0 ? 1 : 2);
-}
-
-std::string moden_file_name() {
-  return std::string(glob_cube_file_mod) + '.' + std::to_string(conf_cube_moden) + 'a';
 }
 
 // One file per orbital of a spin. Where memory allows, the orbitals are evaluated in blocks, so that the
@@ -151,7 +150,7 @@ std::vector<std::string> cube_file_names(const Molecule* molecule, std::int16_t 
     case field_one_orbital:
       return {glob_cube_file_orb};
     case field_orbital_density:
-      return {moden_file_name()};
+      return {numbered_name(glob_cube_file_mod, code, static_cast<unsigned>(conf_cube_moden))};
     case field_density_and_potential:
       return {glob_cube_file_tot, glob_cube_file_orva};
     case field_potential:
@@ -170,10 +169,14 @@ void cube_write_file(const Molecule* molecule, const CubeDefinition* cube, std::
 
 void cube_write(const Molecule* molecule, const CubeDefinition* cube, std::FILE* report, std::int16_t code) {
   cube_check(molecule, code);
+  const auto write = [&](std::int16_t field, std::int16_t orbital) {
+    cube_write_file(molecule, cube, report, cube_file_names(molecule, code)[0].c_str(), field, orbital);
+  };
   switch (code) {
     case field_density:
     case field_density_and_potential:
-      cube_write_file(molecule, cube, report, glob_cube_file_tot, code, 0);
+    case field_potential:
+      write(code, 0);
       break;
     case field_all_orbitals:
       for (const std::int16_t spin : orbital_codes()) {
@@ -181,14 +184,10 @@ void cube_write(const Molecule* molecule, const CubeDefinition* cube, std::FILE*
       }
       break;
     case field_one_orbital:
-      cube_write_file(molecule, cube, report, glob_cube_file_orb,
-                      conf_cube_onety != 0 ? field_beta_orbital : field_alpha_orbital, conf_cube_onesp);
+      write(conf_cube_onety != 0 ? field_beta_orbital : field_alpha_orbital, conf_cube_onesp);
       break;
     case field_orbital_density:
-      cube_write_file(molecule, cube, report, moden_file_name().c_str(), code, conf_cube_moden);
-      break;
-    case field_potential:
-      cube_write_file(molecule, cube, report, glob_cube_file_orva, code, 0);
+      write(code, conf_cube_moden);
       break;
     default:
       break;

@@ -1,7 +1,5 @@
 #include "eval.hpp"
 
-#include <cmath>
-
 #include "occupation.hpp"
 #include "prim.hpp"
 
@@ -13,7 +11,7 @@ OccupiedSums<double> occupied_sums(const Molecule* molecule, const double* value
   for (const OccupiedOrbitals& spin : occupation.spin) {
     for (unsigned i = 0; i < spin.count; ++i) {
       const Orbital* orbital = &spin.orbitals[i];
-      sums.add(eval_mo(orbital, values, molecule->basis_count), std::fabs(orbital->energy));
+      sums.add(eval_mo(orbital, values, molecule->basis_count), eval_weight(orbital));
     }
   }
   return sums;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstddef>
 #include <limits>
 
@@ -70,12 +71,16 @@ struct OccupiedSums {
   }
 };
 
+/// How an orbital weighs in the average local ionization potential: |ε|, hartree.
+inline double eval_weight(const Orbital* orbital) { return std::fabs(orbital->energy); }
+
 /// Total density of the sums: doubly occupied orbitals count twice.
 template <class Real>
 Real eval_total(const OccupiedSums<Real>& sums, bool is_restricted) {
   return is_restricted ? sums.density + sums.density : sums.density;
 }
 
+/// Where nothing is occupied: a NaN without a sign, which that of 0/0 may have.
 inline constexpr double eval_undefined = std::numeric_limits<double>::quiet_NaN();
 
 /// Average local ionization potential Σ|ε||φ|² / Σ|φ|², hartree (P. Sjoberg, J. S. Murray, T. Brinck,

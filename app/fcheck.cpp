@@ -25,7 +25,7 @@ namespace {
 
 constexpr const char* blanks = " \t";
 
-// Without which files a section is missing.
+// Which files must have a section.
 enum class Need { none, always, restricted, unrestricted, sp_shells, beta_orbitals };
 
 struct Input;
@@ -43,7 +43,7 @@ struct Section {
   unsigned (*length)(const Molecule& molecule) = nullptr;
   const char* failure = nullptr;
 
-  // An array without a length is not there yet.
+  // False for an array of length 0: its count is 0, or has not been read yet.
   bool has_values(const Molecule& molecule) const { return length == nullptr || length(molecule) > 0; }
 };
 

@@ -34,6 +34,8 @@ void graph_free(Graph* graph);
 /// Position in `child` behind the children of an atom.
 unsigned graph_end(const Graph* graph, unsigned atom);
 
+// The same in steps, over a matrix of states. The program itself takes graph_create.
+
 /// Fills the matrix of edge states, n at least 1, as if by repeated search: the nearest undecided pair is
 /// joined, or rejected if it is connected already, until the tree is complete. Ends the run if an atom is out
 /// of reach of the others.

@@ -14,7 +14,7 @@ extern char glob_file_config[file_name_size];  // after conf_read: the one that 
 extern char glob_file_output[file_name_size];  // empty: standard output
 extern std::int16_t arg_quiet;
 extern std::int16_t arg_warning;
-extern std::int16_t inp_format;  // 1 formatted checkpoint, 2 WFN
+extern std::int16_t inp_format;  // input_fchk or input_wfn (options.hpp)
 
 // Set by the input readers.
 extern std::int16_t inp_rest_scf;  // nonzero: restricted wavefunction

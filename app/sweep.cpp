@@ -9,6 +9,7 @@
 #include <limits>
 #include <string>
 
+#include "eval.hpp"
 #include "exponential.hpp"
 #include "message.hpp"
 #include "norm.hpp"
@@ -26,25 +27,25 @@ const double head_margin = 60.0 * std::log(2.0);
 // r² beyond which exp(-exponent·r²) is 0.0.
 double zero_reach(double exponent) { return exponential_zero_limit / exponent; }
 
-// r² beyond which the terms in front of `last` round away against it; infinite if that is not certain.
+// r² beyond which the terms in front of `next` round away against it; infinite if that is not certain.
 // All terms share the angular factor, so they compare as weight·exp(-exponent·r²), weight = |c·N|.
-// `lowest`: the smallest exponent in front of `last`. Its ratio of 1.25 to the last exponent makes the head
-// exactly 0.0 before the last term comes near the subnormal numbers; the bound on the coefficients keeps
+// `lowest`: the smallest exponent in front of `next`. Its ratio of 1.25 to the next exponent makes the head
+// exactly 0.0 before the next term comes near the subnormal numbers; the bound on the coefficients keeps
 // their products clear of them as well.
-double head_reach(const BasisFunction* function, const double* norms, unsigned last, double lowest) {
+double head_reach(const BasisFunction* function, const double* norms, unsigned next, double lowest) {
   // Few exponents of a long contraction are so far below all before them, so what follows is done for few.
-  if (!(lowest / function->exponents[last] >= 1.25)) {
+  if (!(lowest / function->exponents[next] >= 1.25)) {
     return infinite;
   }
   const auto magnitude = [&](unsigned i) { return std::fabs(function->coefficients[i]); };
   double reach = 0.0;
-  for (unsigned i = 0; i < last; ++i) {
-    const double weight_ratio = magnitude(i) * norms[i] / (magnitude(last) * norms[last]);
-    if (!(magnitude(i) < 0x1p20 && magnitude(last) < 0x1p20 && weight_ratio < infinite)) {
+  for (unsigned i = 0; i < next; ++i) {
+    const double weight_ratio = magnitude(i) * norms[i] / (magnitude(next) * norms[next]);
+    if (!(magnitude(i) < 0x1p20 && magnitude(next) < 0x1p20 && weight_ratio < infinite)) {
       return infinite;
     }
-    const double difference = function->exponents[i] - function->exponents[last];
-    reach = std::max(reach, (head_margin + std::log(last * weight_ratio)) / difference);
+    const double difference = function->exponents[i] - function->exponents[next];
+    reach = std::max(reach, (head_margin + std::log(next * weight_ratio)) / difference);
   }
   return reach;
 }
@@ -172,9 +173,11 @@ void Sweep::plan_atoms() {
       functions = functions.subspan(count);
     }
     const std::size_t exponential_count = exponentials_.size() - first_exponential;
-    atoms_.push_back({molecule_->atoms[a].coord, static_cast<unsigned>(exponential_count),
-                      static_cast<unsigned>(shells_.size() - first_shell),
-                      exponentials_.data() + first_exponential, shells_.data() + first_shell});
+    atoms_.push_back({.coord = molecule_->atoms[a].coord,
+                      .exponential_count = static_cast<unsigned>(exponential_count),
+                      .shell_count = static_cast<unsigned>(shells_.size() - first_shell),
+                      .exponentials = exponentials_.data() + first_exponential,
+                      .shells = shells_.data() + first_shell});
     exponential_max = std::max(exponential_max, exponential_count);
   }
   plan_.atom_count = molecule_->atom_count;
@@ -244,10 +247,15 @@ void Sweep::plan_shell(std::span<const unsigned> functions, std::size_t first_ex
     double& reach = exponentials_[first_exponential + term.exponential].reach;
     reach = std::max(reach, term.reach);
   }
-  const bool is_whole = functions.size() == shell_function_count(function->type);
-  shells_.push_back({function->type, function->component, is_whole, 0, functions[0],
-                     function->primitive_count, terms.data(), norms_.data() + first_norm,
-                     function->coefficients});
+  shells_.push_back({.type = function->type,
+                     .component = function->component,
+                     .is_whole = functions.size() == shell_function_count(function->type),
+                     .number = 0,  // number_shells gives it
+                     .basis_index = functions[0],
+                     .term_count = function->primitive_count,
+                     .terms = terms.data(),
+                     .norms = norms_.data() + first_norm,
+                     .coefficients = function->coefficients});
 }
 
 void Sweep::plan_orbitals(std::span<const Orbital* const> orbitals) {
@@ -263,7 +271,7 @@ void Sweep::plan_orbitals(std::span<const Orbital* const> orbitals) {
     groups_.push_back({static_cast<unsigned>(end - first), coefficients_.data() + first * basis_count,
                        energies_.data() + first});
     for (std::size_t o = first; o < end; ++o) {
-      energies_.push_back(std::fabs(orbitals[o]->energy));
+      energies_.push_back(eval_weight(orbitals[o]));
       const std::span coefficients(orbitals[o]->coefficients, basis_count);
       for (std::size_t b = 0; b < basis_count; ++b) {
         coefficients_[first * basis_count + b * (end - first) + (o - first)] = coefficients[b];
@@ -282,6 +290,14 @@ void Sweep::run(unsigned count, double* points) {
   for (double* axis : axes) {
     std::fill(axis + count, axis + padded, axis[count - 1]);
   }
-  kernel_.run(plan_, {padded, axes[0], axes[1], axes[2], fields_.data(), block_points_, values_.data(),
-                      exponential_values_.data(), active_.data(), active_list_.data()});
+  kernel_.run(plan_, {.point_count = padded,
+                      .x = axes[0],
+                      .y = axes[1],
+                      .z = axes[2],
+                      .fields = fields_.data(),
+                      .stride = block_points_,
+                      .values = values_.data(),
+                      .exponentials = exponential_values_.data(),
+                      .active = active_.data(),
+                      .active_list = active_list_.data()});
 }

@@ -130,10 +130,10 @@ class SweepPass {
   // The number with the position in place of its lowest bits, so that no two packs have the same rank. Packs
   // that change places by it are equally near to 14 digits, and every reach has more room than that.
   static double distinct_key(double number, unsigned position) {
-    static_assert(pack_max == 32);
+    static_assert((pack_max & (pack_max - 1)) == 0);
     std::uint64_t bits;
     __builtin_memcpy(&bits, &number, sizeof bits);
-    bits = (bits & ~std::uint64_t{31}) | position;
+    bits = (bits & ~std::uint64_t{pack_max - 1}) | position;
     __builtin_memcpy(&number, &bits, sizeof bits);
     return number;
   }
