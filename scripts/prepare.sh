@@ -11,6 +11,16 @@ has_fuzzer() {
     clang++ -x c++ -fsanitize=fuzzer,address,undefined - -o /dev/null 2>/dev/null
 }
 
+# Whether what a Debian package brings is there, wherever it came from; of the packages that the cookbook needs.
+has_package() {
+  case $1 in
+    python3-*) /usr/bin/python3 -c "import ${1#python3-}" ;;
+    slurm-wlm) PATH=$PATH:/usr/sbin command -v slurmctld && command -v sbatch ;;
+    munge) PATH=$PATH:/usr/sbin command -v munged ;;
+    *) command -v "$1" ;;
+  esac >/dev/null 2>&1
+}
+
 # Installs the Debian packages named, or says which they are and stops.
 install() {
   local as_root=()
