@@ -1,7 +1,5 @@
 #include "config.hpp"
 
-#include <cstring>
-
 #include "setup.hpp"
 #include "support.hpp"
 
@@ -49,7 +47,7 @@ class Config : public testing::Test {
 
   void read_config(const std::string& text) {
     write_file(here / "config", text);
-    std::strcpy(glob_file_config, (here / "config").c_str());
+    set_name(glob_file_config, here / "config");
     conf_read(&cube);
   }
 
@@ -58,7 +56,7 @@ class Config : public testing::Test {
       *number.target = number.standard;
     }
     for (const auto& [item, target, standard] : file_names) {
-      std::strcpy(target, standard.c_str());
+      set_name(target, standard);
     }
     conf_cube_def = 0;
   }
@@ -78,7 +76,7 @@ TEST_F(Config, TheFileThatWasReadKeepsItsName) {
   const auto home = std::filesystem::current_path();
   std::filesystem::current_path(here.path());
   const auto name_after = [this](const char* name) {
-    std::strcpy(glob_file_config, name);
+    set_name(glob_file_config, name);
     conf_read(&cube);
     return std::string(glob_file_config);
   };
@@ -110,8 +108,7 @@ TEST_F(Config, GivenVectorsMayBeFollowedByComments) {
   EXPECT_EQ(conf_print_zmat, 1);
   EXPECT_EQ(std::to_array(cube.npoints), (std::array{80U, 70U, 60U}));
   EXPECT_EQ(std::to_array(cube.points[0]), (std::array{-1.0, 0.5, 0.2}));
-  constexpr double vectors[3][3] = {{0.25, 0, 0}, {0, 1, 0}, {0, -1, 0.125}};
-  EXPECT_EQ(std::memcmp(cube.vectors, vectors, sizeof vectors), 0);
+  EXPECT_EQ(flat(cube.vectors), (Numbers{0.25, 0, 0, 0, 1, 0, 0, -1, 0.125}));
 }
 
 TEST_F(Config, GivenPointsAreReadAcrossLines) {

@@ -28,7 +28,6 @@
 #include "vec_base.hpp"
 #include "vec_oper.hpp"
 
-using Numbers = std::vector<double>;
 constexpr unsigned everything = 0xFFFFFFFF;
 
 TEST(Message, HookRunsOncePerErrorAndNotWithinItself) {
@@ -149,7 +148,7 @@ TEST(Vector, ReducedAndMergedVectorsHoldWhatIsListed) {
   int* ints = vec_ialloc(4);
   char** strings = vec_salloc(4, 8);
   EXPECT_EQ(std::string(strings[3], 8), std::string(8, '\0'));
-  doubles[3] = ints[3] = 7, doubles[0] = ints[0] = 8, std::strcpy(strings[3], "text 3");
+  doubles[3] = ints[3] = 7, doubles[0] = ints[0] = 8, std::snprintf(strings[3], 8, "text 3");
   doubles = vec_freduce(doubles, 4, indices, 3), ints = vec_ireduce(ints, 4, indices, 3);
   EXPECT_EQ(Numbers(doubles, doubles + 3), (Numbers{8, 7, 0}));
   EXPECT_EQ(Numbers(ints, ints + 3), (Numbers{8, 7, 0}));
@@ -193,7 +192,8 @@ TEST(Vector, SumsProductsAndExtremes) {
   EXPECT_EQ(vec_fprod_mixed(y.data(), x.data(), z.data()), -1.0);
   EXPECT_EQ(vec_fangle(x.data(), y.data(), 3), std::numbers::pi / 2);
   EXPECT_TRUE(std::isnan(vec_fangle(x.data(), Numbers(3).data(), 3)));
-  for (double factor = -20.0; factor <= 20.0; factor += 0.1) {  // the cosine may lie beyond 1 by rounding
+  for (int i = -199; i < 200; i += 2) {  // the cosine may lie beyond 1 by rounding
+    const double factor = i / 10.0;
     const Numbers scaled = {0.1 * factor, 0.2 * factor, 0.7 * factor};
     EXPECT_NEAR(vec_fangle(v.data(), scaled.data(), 3), factor < 0 ? std::numbers::pi : 0.0, 3e-8);
   }

@@ -1,7 +1,5 @@
 #include "cube.hpp"
 
-#include <cstring>
-
 #include "fcheck.hpp"
 #include "small_files.hpp"
 
@@ -28,8 +26,7 @@ TEST(Grid, PointsGiveTheStepsAlongTheirPath) {
   conf_cube_def = 2;
   cube_define(nullptr, &cube);
   conf_cube_def = 0;
-  constexpr double expected[3][3] = {{0.025, 0, 0}, {0, 0.05, 0}, {0, 0.0125, 0.025}};
-  EXPECT_EQ(std::memcmp(cube.vectors, expected, sizeof expected), 0);
+  EXPECT_EQ(flat(cube.vectors), (Numbers{0.025, 0, 0, 0, 0.05, 0, 0, 0.0125, 0.025}));
 }
 
 TEST(Grid, UnknownRadiusIsToldOnlyWhenWarningsAreWanted) {

@@ -71,7 +71,8 @@ TEST(Primitive, SquareOfEveryComponentIntegratesToOne) {
       const Single single(type, component, 0.6, {0.1, -0.2, 0.05});
       double integral = 0.0;
       for (int i = 0; i < 31 * 31 * 31; ++i) {
-        const double point[] = {step * (i % 31 - 15), step * (i / 31 % 31 - 15), step * (i / 961 - 15)};
+        const int x = i % 31 - 15, y = i / 31 % 31 - 15, z = i / 961 - 15;
+        const double point[] = {step * x, step * y, step * z};
         integral += std::pow(single.at(point), 2) * step * step * step;
       }
       const double others[] = {280.0 / 297.0, 1.0, 1.0, 14.0 / 17.0};

@@ -18,8 +18,6 @@ struct SmallAtom {
   double coord[3];  // bohr
 };
 
-using Numbers = std::vector<double>;
-
 struct SmallShell {
   int type;
   unsigned atom;  // counted from 1
@@ -41,10 +39,6 @@ struct SmallFchk {
   };
   std::function<double(unsigned)> energy = [](unsigned orbital) { return 0.25 * orbital - 2.0; };
 };
-
-inline void append(Numbers& to, const Numbers& numbers) {
-  to.insert(to.end(), numbers.begin(), numbers.end());
-}
 
 /// Numbers in lines, each after a label and of at most `per_line`.
 inline std::string lines_of(const Numbers& numbers, const char* format, std::size_t per_line,
@@ -155,7 +149,7 @@ inline std::string wfn_text(const Molecule& molecule) {
 /// Makes a text the input file of the run.
 inline void set_input(const Scratch& scratch, const std::string& text) {
   write_file(scratch / "input", text);
-  std::snprintf(glob_file_input, sizeof glob_file_input, "%s", (scratch / "input").c_str());
+  set_name(glob_file_input, scratch / "input");
 }
 
 using ReadInput = void (*)(Molecule* molecule);  // fcheck_read or wfn_read

@@ -15,6 +15,7 @@
 #include <tuple>
 #include <vector>
 
+#include "setup.hpp"
 #include "text.hpp"
 
 // Helpers of all tests, and the standard headers that nearly all of them need.
@@ -43,6 +44,26 @@ std::string printed(Call call) {
   testing::internal::CaptureStdout();
   call();
   return testing::internal::GetCapturedStdout();
+}
+
+using Numbers = std::vector<double>;
+
+inline void append(Numbers& to, const Numbers& numbers) {
+  to.insert(to.end(), numbers.begin(), numbers.end());
+}
+
+/// The numbers of three vectors.
+inline Numbers flat(const double (&vectors)[3][3]) {
+  Numbers numbers;
+  for (const auto& vector : vectors) {
+    append(numbers, {vector, vector + 3});
+  }
+  return numbers;
+}
+
+/// Sets a file name of the settings.
+inline void set_name(char* name, const std::string& text) {
+  std::snprintf(name, file_name_size, "%s", text.c_str());
 }
 
 /// A new directory, removed with all that is in it at the end of its scope.

@@ -19,7 +19,7 @@ std::string written(Call call) {
   std::FILE* stream = open_memstream(&text, &size);
   call(stream);
   std::fclose(stream);
-  const std::string result(text, size);
+  std::string result(text, size);
   std::free(text);
   return result;
 }

@@ -38,12 +38,12 @@ TEST(Wfn, BlocksOfSeveralLinesAreReadAsWritten) {
 }
 
 TEST(Wfn, LargeCountsAreDoubtedByWhatTheFileHolds) {
-  const std::tuple<unsigned, unsigned, unsigned, std::string, std::string> rows[] = {
+  const std::tuple<unsigned, unsigned, std::uint64_t, std::string, std::string> rows[] = {
       {1, 2, 300000, "nuclei", "cannot read atom symbol"},
       {1100, 1100, 0, "orbitals or primitives", "cannot read unsigned int data block"}};
   for (const auto& [orbitals, primitives, nuclei, counted, next_fault] : rows) {
     const std::string text = "t\nGAUSSIAN" + formatted("%11u MOL ORBITALS", orbitals) +
-                             formatted("%11u PRIMITIVES", primitives) + formatted("%9u NUCLEI\n", nuclei);
+                             formatted("%11u PRIMITIVES", primitives) + formatted("%9lu NUCLEI\n", nuclei);
     const std::uint64_t numbers = nuclei > 0 ? 4 * nuclei : primitives * std::uint64_t{orbitals + 3};
     expect_doubted(wfn_read, text, numbers, "invalid count in WFN file - number of " + counted, next_fault);
   }
