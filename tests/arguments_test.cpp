@@ -74,6 +74,7 @@ TEST(Arguments, BoundAndExclusiveArgumentsAreCheckedAndShown) {
   const Change exclude = [](ArgTable* t) { arg_exclude(t, 3, 4); };
   const Change both = [](ArgTable* t) { bind_item(t), arg_exclude(t, 5, 4); };
   const Change merge = [](ArgTable* t) { arg_bind(t, 0, 1), arg_bind(t, 1, 3), bind_item(t); };
+  const Change apart = [](ArgTable* t) { arg_bind(t, 0, 1), bind_item(t); };
   const Words set = {"-n", "1", "-f", "x"};
   const std::tuple<Change, Words, const char*, const char*> rows[] = {
       {bind_item, set, "{[-n <count>] <item>} -f <name>", "s <count> and <item> must be set together"},
@@ -85,14 +86,19 @@ TEST(Arguments, BoundAndExclusiveArgumentsAreCheckedAndShown) {
                 std::string("usage: prog [-qwS] ") + line + "\nerror: argument" + reason + "\n");
   }
   EXPECT_EQ(read({"-n", "1"}, exclude).number, 1);  // its partner satisfies -f
+  EXPECT_EQ(read({"-q", "-w", "-f", "x"}, apart).q, 1);
 }
 
 TEST(Arguments, DefinitionsThatMakeNoSenseEndTheRun) {
+  const char* missing = "argument definition does not exist";
   const std::pair<Change, const char*> rows[] = {
       {[](ArgTable* t) { arg_bind(t, 3, 4); }, "error: binding optional and mandatory option required"},
       {[](ArgTable* t) { arg_exclude(t, 3, 5), bind_item(t); },
        "both binding and exclusion of the same options required"},
-      {[](ArgTable* t) { arg_bind(t, 3, arg_get_id(t, 'x')); }, "argument definition does not exist"},
+      {[](ArgTable* t) { arg_bind(t, 3, arg_get_id(t, 'x')); }, missing},
+      {[](ArgTable* t) { arg_bind(t, 6, 3); }, missing},
+      {[](ArgTable* t) { arg_exclude(t, 3, 6); }, missing},
+      {[](ArgTable* t) { arg_exclude(t, 6, 3); }, missing},
       {[](ArgTable* t) { arg_add_switch(t, "", 0, nullptr); }, "name of switch is not defined"},
       {[](ArgTable* t) { arg_add_option(t, "", "v", 1, 1, t); }, "name of argument option is not defined"},
       {[](ArgTable* t) { arg_add_item(t, "", 1, 1, t); }, "description of argument item is not defined"},
@@ -113,6 +119,9 @@ TEST(Arguments, NumbersMustFitTheirTypes) {
       {arg_long, "-9223372036854775808", "9223372036854775808", 0x8000000000000000},
       {arg_unsigned_long, "18446744073709551615", "18446744073709551616", 0xFFFFFFFFFFFFFFFF},
       {arg_double, "-1.5e3x", "x", std::bit_cast<std::uint64_t>(-1500.0)}};
+  char word[arg_text_size] = "";
+  EXPECT_EQ(arg_set_var("word", word, arg_string), 1);
+  EXPECT_STREQ(word, "word");
   std::uint64_t untouched = 0;
   for (const std::int16_t type : std::to_array<std::int16_t>({0, 9})) {
     EXPECT_EQ(arg_set_var("1", &untouched, type), 0) << type;

@@ -44,6 +44,7 @@ class Config : public testing::Test {
  protected:
   const Scratch here;
   CubeDefinition cube{};
+  const int descriptor = next_descriptor();  // of a file that would be opened next
 
   void read_config(const std::string& text) {
     write_file(here / "config", text);
@@ -52,6 +53,7 @@ class Config : public testing::Test {
   }
 
   void TearDown() override {
+    EXPECT_EQ(next_descriptor(), descriptor);
     for (const Number& number : numbers) {
       *number.target = number.standard;
     }

@@ -134,6 +134,9 @@ TEST(Vector, EveryElementTypeStartsZeroAndIsFilledAndFound) {
   expect_family<short>(vec_sialloc, vec_siset, vec_siin, vec_sifree, -300);
   EXPECT_EQ(vec_fin(Numbers(3, std::nan("")).data(), std::nan(""), 3), vec_not_found);
   EXPECT_EQ(vec_tfree(vec_talloc(0x10000, 0x10000)), 0);  // the byte count wraps to 0
+  void* const millions = vec_talloc(3000, 3000);          // far beyond the end of whatever else is allocated
+  std::memset(millions, 1, 3000 * 3000);
+  vec_tfree(millions);
   const int pairs[][2] = {{1, 5}, {2, 6}, {3, 6}}, six = 6;
   const auto second_is = [](const void* element, const void* key) {
     return static_cast<int>(static_cast<const int*>(element)[1] == *static_cast<const int*>(key));
@@ -163,7 +166,7 @@ TEST(Vector, ReducedAndMergedVectorsHoldWhatIsListed) {
   EXPECT_EQ(vec_umerge(a, 2, b, 0), a);
   a = vec_umerge(a, 2, b, 1);
   EXPECT_EQ(Numbers(a, a + 3), (Numbers{0, 0, 8}));
-  vec_ffree(doubles), vec_ifree(ints), vec_ufree(a), vec_sfree(strings, 2);
+  vec_ffree(doubles), vec_ifree(ints), vec_ufree(a), vec_sfree(strings, 2), vec_sfree(nullptr, 2);
 }
 
 TEST(Vector, OperationsChangeTheirFirstArgument) {

@@ -104,7 +104,7 @@ TEST(Reader, AnIntegerThatDoesNotFitIsNone) {
 }
 
 TEST(Reader, SkipsRawColumnsAndTakesWordsThatFit) {
-  const File file = file_of("12345\r\n789 word  toolong");
+  const File file = file_of("12345\r\n789 words  longer");
   Reader reader(file.get());
   char text[6];
   EXPECT_TRUE(reader.skip(9));  // the newline counts, the carriage return does not
@@ -112,7 +112,7 @@ TEST(Reader, SkipsRawColumnsAndTakesWordsThatFit) {
   EXPECT_TRUE(reader.line(std::span(text, 2)));
   EXPECT_STREQ(text, " ");
   EXPECT_TRUE(reader.word(text));
-  EXPECT_STREQ(text, "word");
+  EXPECT_STREQ(text, "words");
   EXPECT_FALSE(reader.word(text));
   EXPECT_TRUE(reader.skip(10));
   EXPECT_FALSE(reader.skip(1));
@@ -122,10 +122,11 @@ TEST(Reader, SkipsRawColumnsAndTakesWordsThatFit) {
 TEST(Reader, DoesNotDoubtWhereTheSizeIsUnknown) {
   constexpr auto most = std::numeric_limits<std::uint64_t>::max();
   char memory[] = "1";
-  for (std::FILE* stream : {popen("echo 1", "r"), fmemopen(memory, 1, "r")}) {
+  std::FILE* const device = std::fopen("/dev/null", "r");
+  for (std::FILE* stream : {popen("echo 1", "r"), fmemopen(memory, 1, "r"), device}) {
     Reader endless(stream);
     double value = 0.0;
-    EXPECT_TRUE(endless.number(value));
+    EXPECT_EQ(endless.number(value), stream != device);
     EXPECT_TRUE(endless.may_hold(most / 2));
     EXPECT_EQ(endless.remaining(), most);
     std::fclose(stream);

@@ -176,13 +176,14 @@ TEST_F(Run, NoTwoFilesOfARunAreTheSame) {
   std::filesystem::create_symlink("last", here / "d/first");
   std::filesystem::create_symlink("d/first", here / "ahead");
   std::filesystem::create_symlink("loop", here / "loop");
-  std::filesystem::create_symlink("set", here / "soft.2a");
+  std::filesystem::create_symlink("set", here / "soft.5b");
   const std::tuple<std::string, std::string, std::string> rows[] = {
       {"", "-o ./hard", input + "report \"./hard\""},
       {"", "-o set", "error: configuration file \"set\" and report \"set\""},
       {"CUBE_FILE_ORVA ./out.tot", "", "error: " + density + "cube file \"./out.tot\""},
       {"CUBE_FILE_ORVA ahead\nCUBE_FILE_DENSITY new", "", "error: cube file \"new\" and cube file \"ahead\""},
-      {all + "soft", "", "error: configuration file \"set\" and cube file \"soft.2a\""},
+      {all + "soft", "", "error: configuration file \"set\" and cube file \"soft.5b\""},
+      {all + "m", "-o m.1a", "error: report \"m.1a\" and cube file \"m.1a\""},
       {"CUBE_ONE_MODEN 3\nCUBE_FILE_MODEN m\nCUBE_FILE_DENSITY m.3a", "",
        "error: cube file \"m.3a\" and cube file \"m.3a\""},
       {"", "-o .output", "error: report \".output\" and standard output \"/dev/stdout\""},
@@ -215,7 +216,7 @@ TEST_F(Run, StatusIsZeroForACompleteRunOnly) {
       {"CUBE_FILE_ORVA /dev/full", program + run_lih + "-q", 1, lost},
       {"", program + run_lih + "-o /dev/full", 1, lost},
       {"", program + run_lih + ">/dev/full", 1, lost},
-      {"\nCUBE_ORVA 0\nDEFINE_CUBE 1\n0 0 0\n1 0 0\n0 1 0\n0 0 1\n9 9 99\n",
+      {"\nCUBE_ORVA 0\nDEFINE_CUBE 1\n0 0 0\n1 0 0\n0 1 0\n0 0 1\n9 199 5\n",
        "ulimit -f 8; " + program + run_lih + "-q", 1, lost},
       {"", program + run_lih + ">&- 2>&-", 1, ""},
       {"", program + run_lih + "-q >/dev/full", 0, ""},
@@ -247,6 +248,20 @@ TEST_F(Run, WhatCannotBeDoneIsRefusedBeforeAFileIsOpened) {
   std::filesystem::create_directory(here / "d.3a");
   write_file(here / "config", grid + "CUBE_ALL_MO 1\nCUBE_FILE_ORBITAL d");
   EXPECT_EQ(run(here, "-q " + run_lih), std::pair(1, std::string("error: cannot open file \"d.3a\"\n")));
+}
+
+TEST_F(Run, OrbitalsOfTheSecondBlockAreThemselves) {
+  SmallFchk fields;
+  fields.shells[1].atom = 1;
+  write_file(here / "lih.fchk", fchk_text(fields));
+  for (const char* name : {"out.orb.1a", "out.orb.2a", "out.orb.3a", "out.orb.4a"}) {
+    std::filesystem::create_symlink("/dev/null", here / name);
+  }
+  const std::string large =  // four orbitals take all memory of a block
+      "CUBE_ORVA 0\nCUBE_TOT_DENSITY 0\nDEFINE_CUBE 1\n0 0 0\n1 0 0\n0 .01 0\n0 0 .01\n1 1300 1300\n";
+  report(large + "CUBE_ALL_MO 1");
+  report(large + "CUBE_ONE_MO 1\nCUBE_ONE_SPEC 5");
+  EXPECT_TRUE(read_file(here / "out.orb.5a") == read_file(here / "out.orb"));
 }
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(ORVA_EMULATED)  // both take more memory than there is here

@@ -160,7 +160,9 @@ inline auto read_text(ReadInput read, const std::string& text) {
   set_input(scratch, text);
   const auto clean = [](Molecule* molecule) { mem_clean(molecule, nullptr), delete molecule; };
   std::unique_ptr<Molecule, decltype(clean)> molecule(new Molecule{});
+  const int descriptor = next_descriptor();
   read(molecule.get());
+  EXPECT_EQ(next_descriptor(), descriptor) << "the file is left open";
   return molecule;
 }
 
@@ -224,8 +226,7 @@ inline void expect_cuts_rejected(ReadInput read, const std::string& text, std::s
     const Scratch scratch;
     set_input(scratch, text);
     std::freopen("/dev/null", "w", stdout);
-    const int next_descriptor = dup(STDIN_FILENO);
-    close(next_descriptor);
+    const int descriptor = next_descriptor();
     for (std::size_t length = text.size(); length-- > 0;) {
       std::filesystem::resize_file(glob_file_input, length);
       std::string result = "rejected";
@@ -235,7 +236,7 @@ inline void expect_cuts_rejected(ReadInput read, const std::string& text, std::s
         read(&molecule);
         result = all_numbers(molecule) == expected ? "the whole" : "another";
       } catch (const FatalError&) {
-        close(next_descriptor);  // that of the file
+        close(descriptor);  // that of the file
       }
       if (result != (length == whole ? "another" : length < needed ? "rejected" : "the whole")) {
         std::fprintf(stderr, "%s: the first %zu characters\n", result.c_str(), length);

@@ -66,6 +66,13 @@ inline void set_name(char* name, const std::string& text) {
   std::snprintf(name, file_name_size, "%s", text.c_str());
 }
 
+/// The number that the next file to be opened gets: smaller before a file that is not closed.
+inline int next_descriptor() {
+  const int descriptor = dup(STDIN_FILENO);
+  close(descriptor);
+  return descriptor;
+}
+
 /// A new directory, removed with all that is in it at the end of its scope.
 class Scratch {
  public:

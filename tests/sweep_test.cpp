@@ -124,6 +124,12 @@ TEST(Sweep, WritesTheTextOfThePointByPointFunctionsWithEveryKernel) {
     empty.coefficient = [](unsigned, unsigned j) { return j == 3 ? HUGE_VAL : 0.5; };
     expect_same_text(*read_text(fcheck_read, fchk_text(empty)));
   });
+#ifndef ORVA_EMULATED
+  const std::string processor = read_file("/proc/cpuinfo");
+  for (const auto& [name, flag] : {std::pair{"avx2", " avx2 "}, {"avx512", " avx512f "}}) {
+    EXPECT_EQ(names.find(name) != std::string::npos, processor.find(flag) != std::string::npos) << name;
+  }
+#endif
   setenv("ORVA_KERNEL", "abacus", 1);
   expect_error([] { sweep_choose_kernel(); }, "kernel \"abacus\" is not available, only" + names);
   unsetenv("ORVA_KERNEL");
@@ -143,11 +149,13 @@ TEST(Sweep, GivesEveryBitOfEveryBasisFunction) {
 // Contractions of which terms must not be left out, or only just: two exponents, two coefficients.
 TEST(Sweep, GivesEveryBitOfOddContractions) {
   const double nan = std::nan(""), inf = HUGE_VAL;
-  const double rows[][4] = {{1, 1, 1e6, 0},   {2, 1, 1, 1},      {1, 1, 1, 0.5},       {1.05, 1, 1, 1e-3},
-                            {1, 2, 1, 1},     {-0.001, 1, 1, 1}, {0, 1, 1, 1},         {2, 0, 1, 1},
-                            {1e-31, 1, 1, 1}, {1e31, 1, 1, 1},   {nan, 1, 1, 1},       {inf, 1, 1, 1},
-                            {2, 1, inf, 1},   {2, 1, 1, nan},    {4, 1, 1e300, 1e-10}, {2, 1, 1, 0},
-                            {2, -1, 1, 1},    {2, 1, 0, 0}};
+  const double rows[][4] = {{1, 1, 1e6, 0},     {2, 1, 1, 1},     {1, 1, 1, 0.5},
+                            {1.05, 1, 1, 1e-3}, {1, 2, 1, 1},     {-0.001, 1, 1, 1},
+                            {-2, -1, 1, 1},     {nan, nan, 1, 1}, {0.5, 0.2, 0x1p30, 0x1p30},
+                            {0, 1, 1, 1},       {2, 0, 1, 1},     {1e-31, 1, 1, 1},
+                            {1e31, 1, 1, 1},    {nan, 1, 1, 1},   {inf, 1, 1, 1},
+                            {2, 1, inf, 1},     {2, 1, 1, nan},   {4, 1, 1e300, 1e-10},
+                            {2, 1, 1, 0},       {2, -1, 1, 1},    {2, 1, 0, 0}};
   for (const auto& [a, b, c, d] : rows) {
     SmallFchk fields;
     fields.shells = {{1, 1, {a, b}, {c, d}, {}}, {-4, 2, {b, a, 0.5}, {d, c, 1.0}, {}}};
@@ -191,6 +199,11 @@ TEST(Sweep, GivesEveryBitInWhateverOrderTheFunctionsStand) {
   expect();
   std::ranges::reverse(functions);
   expect();
+  std::mt19937 random(1);
+  for (unsigned turn = 0; turn < 50; ++turn) {
+    std::ranges::shuffle(functions, random);
+    expect();
+  }
   molecule->basis_count -= 2;  // the last shell is not whole
   expect();
   molecule->basis_count += 2;

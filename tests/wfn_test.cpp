@@ -50,8 +50,10 @@ TEST(Wfn, LargeCountsAreDoubtedByWhatTheFileHolds) {
 }
 
 TEST(Wfn, NoCutOfAFileGivesAnotherMolecule) {
-  for (const unsigned electrons : {0U, 2U, 4U}) {
-    const std::string text = wfn_text(*read_text(fcheck_read, fchk_text({.electrons = electrons})));
+  const SmallFchk files[] = {
+      {.electrons = 0}, {.electrons = 2}, {}, {.electrons = 0, .shells = {{0, 1, {1.5}, {1.0}, {}}}}};
+  for (const SmallFchk& fields : files) {
+    const std::string text = wfn_text(*read_text(fcheck_read, fchk_text(fields)));
     expect_cuts_rejected(wfn_read, text, text.find("END DATA"));
   }
 }
