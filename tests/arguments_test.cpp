@@ -1,7 +1,6 @@
 // The parser of command lines.
 
 #include <bit>
-#include <functional>
 
 #include "arg.hpp"
 #include "support.hpp"

@@ -2,11 +2,7 @@
 
 #include <fcntl.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <cstring>
-#include <functional>
-#include <limits>
 #include <numbers>
 #include <type_traits>
 
@@ -62,18 +58,9 @@ extern "C" int lstat(const char* path, struct stat* status) noexcept {
 TEST(File, FailuresGiveTheirReasons) {
   const std::tuple<int, const char*, const char*> rows[] = {
       {EPERM, " (permission denied)", "unknown error"},
-      {EACCES, " (permission denied)", "permission denied"},
       {ENOENT, " (no such file)", "no such file or directory"},
-      {EIO, " (I/O error)", "unknown error"},
       {EBADF, "", "bad file descriptor"},
-      {ENOMEM, " (insufficient kernel memory)", "insufficient kernel memory"},
-      {EFAULT, " (out of address space)", "bad address"},
-      {EBUSY, " (file is busy)", "unknown error"},
       {ENOTDIR, " (part of path is not a directory)", "not a directory"},
-      {EISDIR, " (is a directory)", "unknown error"},
-      {EROFS, " (read-only filesystem)", "unknown error"},
-      {ELOOP, " (too many symlinks in path)", "too many symbolic links"},
-      {ENAMETOOLONG, " (too long name)", "too long name"},
       {EXDEV, "", "unknown error"}};
   for (const auto& [number, of_remove, of_stat] : rows) {
     struct stat status;
@@ -368,7 +355,8 @@ TEST(Stack, GivesBackTheLastValueFirstAndTellsHowManyAreLeft) {
   EXPECT_EQ(stack_uget(stack, &natural), 3U);
   EXPECT_EQ(stack_iget(stack, &integer), 2U);
   EXPECT_EQ(stack_fget(stack, &real), 1U);
-  EXPECT_EQ(std::tuple(std::string(text), natural, integer, real), std::tuple("text", everything, 7, 0.5));
+  EXPECT_STREQ(text, "text");
+  EXPECT_EQ(std::tuple(natural, integer, real), std::tuple(everything, 7, 0.5));
   stack_free(stack);
 }
 

@@ -1,10 +1,5 @@
 #include "fcheck.hpp"
 
-#include <algorithm>
-#include <climits>
-#include <cstring>
-#include <utility>
-
 #include "reorder.hpp"
 #include "shell.hpp"
 #include "small_files.hpp"
@@ -32,14 +27,6 @@ TEST(Fchk, FillsTheMolecule) {
   EXPECT_STREQ(m.atoms[0].symbol, "Li");
   EXPECT_EQ(m.atoms[1].atomic_number, 1U);
   EXPECT_EQ(m.atoms[1].coord[1], 0.5);
-  for (unsigned i = 0; i < 5; ++i) {
-    const Orbital &alpha = m.alpha_orbitals[i], &beta = m.beta_orbitals[i];
-    EXPECT_EQ(std::tie(alpha.energy, beta.energy), std::tuple(fields.energy(i), fields.energy(i)));
-    for (unsigned j = 0; j < 5; ++j) {
-      const double coefficient = fields.coefficient(i, j);
-      EXPECT_EQ(std::tie(alpha.coefficients[j], beta.coefficients[j]), std::tuple(coefficient, -coefficient));
-    }
-  }
 }
 
 TEST(Fchk, ShellsGiveTheirFunctionsInOrderAndAnSpShellOneSAndThreeP) {
@@ -166,47 +153,39 @@ TEST(Reorder, AbsentArraysEndTheRun) {
   molecule.atom_count = molecule.primitive_count = molecule.shell_count = 1;
   molecule.basis_count = 4, molecule.atoms = &atom;
   for (unsigned absent = 0; absent < 6; ++absent) {
-    const auto unless = [=]<class Number>(unsigned place, Number* array) -> Number* {
-      return place == absent ? nullptr : array;
-    };
-    ShellTable shells = {unless(0, types), unless(1, ones),  unless(2, ones),
-                         unless(3, reals), unless(4, reals), unless(5, reals)};
+    ShellTable shells = {types, ones, ones, reals, reals, reals};
+    std::memset(reinterpret_cast<char*>(&shells) + absent * sizeof(void*), 0, sizeof(void*));
     expect_error([&] { reorder_basis(&molecule, &shells); }, "wrong base reorder - missing array");
   }
 }
 
 TEST(Fchk, EverySectionIsNeededAndHasToHoldNumbers) {
-  // The label, and what the numbers of an array are.
-  const std::pair<const char*, const char*> rows[] = {
-      {"Number of atoms", ""},
-      {"Number of alpha electrons", ""},
-      {"Number of beta electrons", ""},
-      {"Number of basis functions", ""},
+  const std::string text = fchk_text(unrestricted());
+  for (const char* counted : {"atoms", "alpha electrons", "beta electrons", "basis functions",
+                              "contracted shells", "primitive shells"}) {
+    const std::string label = std::string("Number of ") + counted;
+    expect_rejected(fcheck_read, text, {{"\n" + label, "\nX", "missing section in fchk file - " + label}});
+  }
+  // The label of an array, and what its numbers are.
+  const std::pair<std::string, std::string> rows[] = {
       {"Atomic numbers", "atomic numbers"},
       {"Current cartesian coordinates", "cartesian coordinates"},
       {"Alpha MO coefficients", "alpha MO coefficients"},
       {"Beta MO coefficients", "beta MO coefficients"},
       {"Alpha Orbital Energies", "alpha MO energies"},
       {"Beta Orbital Energies", "beta MO energies"},
-      {"Number of contracted shells", ""},
       {"Number of primitives per shell", "number of primitives per shell"},
       {"Shell to atom map", "shell to atom indices"},
       {"Shell types", "shell types"},
       {"Primitive exponents", "primitive exponents"},
       {"Contraction coefficients", "contraction coefficients"},
-      {"P(S=P) Contraction coefficients", "SP contraction coefficients"},
-      {"Number of primitive shells", ""}};
-  const std::string text = fchk_text(unrestricted());
-  for (const std::pair<std::string, std::string> row : rows) {
-    const auto& [label, numbers] = row;
+      {"P(S=P) Contraction coefficients", "SP contraction coefficients"}};
+  for (const auto& [label, numbers] : rows) {
     const std::size_t place = text.find("\n" + label) + 1, line_end = text.find('\n', place);
     const std::string line = text.substr(place, line_end - place);
-    std::vector<Breakage> breakages = {{"\n" + label, "\nX", "missing section in fchk file - " + label}};
-    if (!numbers.empty()) {
-      breakages.push_back({line + "\n", "Nothing\n", breakages[0].message});
-      breakages.push_back({line, line + "\nx", "cannot read " + numbers});
-    }
-    expect_rejected(fcheck_read, text, breakages);
+    expect_rejected(fcheck_read, text,
+                    {{line + "\n", "Nothing\n", "missing section in fchk file - " + label},
+                     {line, line + "\nx", "cannot read " + numbers}});
   }
 }
 

@@ -1,8 +1,6 @@
 #include "support.hpp"
 
-#include <limits>
 #include <map>
-#include <random>
 
 #include "exponential.hpp"
 #include "norm.hpp"

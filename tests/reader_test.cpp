@@ -1,10 +1,5 @@
 #include "reader.hpp"
 
-#include <cstring>
-#include <limits>
-#include <memory>
-#include <span>
-
 #include "string.hpp"
 #include "support.hpp"
 

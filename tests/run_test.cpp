@@ -2,10 +2,6 @@
 
 #include <sys/wait.h>
 
-#include <algorithm>
-#include <numeric>
-#include <set>
-
 #include "basis.hpp"
 #include "cube.hpp"
 #include "memory.hpp"

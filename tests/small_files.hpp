@@ -1,9 +1,6 @@
 #pragma once
 
-#include <functional>
-#include <memory>
 #include <optional>
-#include <span>
 
 #include "memory.hpp"
 #include "message.hpp"

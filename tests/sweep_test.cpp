@@ -1,8 +1,5 @@
 #include "sweep.hpp"
 
-#include <algorithm>
-#include <random>
-
 #include "comp.hpp"
 #include "eval.hpp"
 #include "fcheck.hpp"

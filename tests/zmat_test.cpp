@@ -1,17 +1,12 @@
 // The tree of the bonds and the Z-matrix.
 
-#include <algorithm>
-#include <numeric>
-#include <random>
-#include <set>
-
+#include "zmat.hpp"
 #include "dmat.hpp"
 #include "graph.hpp"
 #include "mat_base.hpp"
 #include "support.hpp"
 #include "units.hpp"
 #include "vec_oper.hpp"
-#include "zmat.hpp"
 
 namespace {
 
