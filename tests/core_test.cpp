@@ -58,9 +58,18 @@ extern "C" int lstat(const char* path, struct stat* status) noexcept {
 TEST(File, FailuresGiveTheirReasons) {
   const std::tuple<int, const char*, const char*> rows[] = {
       {EPERM, " (permission denied)", "unknown error"},
+      {EACCES, " (permission denied)", "permission denied"},
       {ENOENT, " (no such file)", "no such file or directory"},
+      {EIO, " (I/O error)", "unknown error"},
       {EBADF, "", "bad file descriptor"},
+      {ENOMEM, " (insufficient kernel memory)", "insufficient kernel memory"},
+      {EFAULT, " (out of address space)", "bad address"},
+      {EBUSY, " (file is busy)", "unknown error"},
       {ENOTDIR, " (part of path is not a directory)", "not a directory"},
+      {EISDIR, " (is a directory)", "unknown error"},
+      {EROFS, " (read-only filesystem)", "unknown error"},
+      {ELOOP, " (too many symlinks in path)", "too many symbolic links"},
+      {ENAMETOOLONG, " (too long name)", "too long name"},
       {EXDEV, "", "unknown error"}};
   for (const auto& [number, of_remove, of_stat] : rows) {
     struct stat status;
