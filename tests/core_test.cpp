@@ -187,6 +187,7 @@ TEST(Vector, OperationsChangeTheirFirstArgument) {
 
 TEST(Vector, SumsProductsAndExtremes) {
   const Numbers x = {1, 0, 0}, y = {0, 1, 0}, z = {0, 0, 1}, large = {1e16, 1, -1e16}, v = {0.1, 0.2, 0.7};
+  EXPECT_EQ(vec_fsum(x.data(), 3), 1.0);
   EXPECT_EQ(vec_fsum(large.data(), 3), 0.0);  // in index order
   EXPECT_EQ(vec_fprod_mixed(y.data(), x.data(), z.data()), -1.0);
   EXPECT_EQ(vec_fangle(x.data(), y.data(), 3), std::numbers::pi / 2);
