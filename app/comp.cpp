@@ -2,21 +2,26 @@
 
 #include <algorithm>
 #include <cmath>
+#include <deque>
 #include <new>
+#include <optional>
 #include <vector>
 
+#include "cube_text.hpp"
 #include "eval.hpp"
 #include "occupation.hpp"
 #include "progress.hpp"
-#include "str_real.hpp"
+#include "rows.hpp"
 #include "sweep.hpp"
 
 double* comp_bfce_vec = nullptr;
 
 namespace {
 
-// Bytes at most for many orbitals, their values and the coefficients that their sweep keeps.
+// Bytes at most for many orbitals, their texts and the coefficients that their sweep keeps.
 constexpr double orbital_memory = 64.0 * 1024 * 1024;
+
+constexpr unsigned pause_max = 63;  // rows
 
 const Orbital* orbital_of(const Molecule* molecule, std::int16_t code, std::int16_t orbital) {
   return (code == field_beta_orbital ? molecule->beta_orbitals : molecule->alpha_orbitals) + (orbital - 1);
@@ -66,47 +71,6 @@ class GridWalk {
   bool is_at_end_;
 };
 
-// The data of a cube file: six values to a line, every row of the third axis on a new line.
-class CubeText {
- public:
-  CubeText(std::FILE* stream, unsigned row_length) : stream_(stream), row_length_(row_length) {}
-  ~CubeText() { flush(); }
-  CubeText(const CubeText&) = delete;
-  CubeText& operator=(const CubeText&) = delete;
-
-  void put(std::span<const double> values) {
-    for (const double value : values) {
-      if (used_ + str_scientific_width + 1 > text_.size()) {
-        flush();
-      }
-      str_scientific(value, text_.data() + used_);
-      used_ += str_scientific_width;
-      ++in_row_;
-      const bool is_row_end = in_row_ == row_length_;
-      if (++in_line_ == 6 || is_row_end) {
-        text_[used_++] = '\n';
-        in_line_ = 0;
-      }
-      if (is_row_end) {
-        in_row_ = 0;
-      }
-    }
-  }
-
- private:
-  void flush() {
-    if (used_ > 0) {  // a text without a stream stays empty
-      std::fwrite(text_.data(), 1, used_, stream_);
-      used_ = 0;
-    }
-  }
-
-  std::FILE* stream_;
-  unsigned row_length_, in_row_ = 0, in_line_ = 0;
-  std::size_t used_ = 0;
-  std::vector<char> text_ = std::vector<char>(65536);
-};
-
 // No coordinate of a grid point is larger in magnitude; NaN if one is undefined.
 double extent_of(const CubeDefinition* cube) {
   double extent = 0.0;
@@ -130,19 +94,80 @@ std::vector<const Orbital*> occupied_orbitals(const Molecule* molecule) {
   return orbitals;
 }
 
-// Sweeps over all grid points. After each unit of work `take` gets the number of its points.
-template <class Take>
-void sweep_grid(const CubeDefinition* cube, Sweep& sweep, Take take) {
+// A text, and the number of the field whose values it gets.
+struct FieldText {
+  CubeText* text;
+  std::size_t field;
+};
+
+// All points of a grid by the exact sweep.
+void sweep_exactly(const CubeDefinition* cube, Sweep& sweep, std::span<const FieldText> texts,
+                   Progress* progress) {
   std::vector<double> points(3 * std::size_t{sweep.block_points()});
   comp_bfce_vec = sweep.values();
   GridWalk walk(cube);
-  Progress progress;
   while (const unsigned count = walk.next(points.data(), sweep.block_points())) {
     sweep.run(count, points.data());
-    take(count);
-    progress.show(walk.part_done());
+    for (const auto& [text, field] : texts) {
+      text->put({sweep.field(field), count});
+    }
+    if (progress != nullptr) {
+      progress->show(walk.part_done());
+    }
   }
   comp_bfce_vec = nullptr;
+}
+
+// A row as a grid of its own, whose points have the same bits.
+CubeDefinition row_of(const CubeDefinition* cube, unsigned i, unsigned j) {
+  CubeDefinition row = *cube;
+  row.npoints[0] = row.npoints[1] = 1;
+  for (unsigned c = 0; c < 3; ++c) {
+    row.points[0][c] = cube_coordinate(cube, i, j, 0, c);
+  }
+  return row;
+}
+
+// All points of the grid, row by row where that can be done, which is cheaper; then the exact sweep decides the
+// texts of rows that are left in doubt. Where one such row follows the other, rows are not even tried for a while.
+void sweep_grid(const Molecule* molecule, const CubeDefinition* cube, SweepField field,
+                std::span<const Orbital* const> orbitals, std::span<const FieldText> texts) {
+  const SweepKernel& kernel = sweep_choose_kernel();
+  const auto exact_sweep = [&] { return Sweep(molecule, kernel, field, orbitals, extent_of(cube)); };
+  const std::unique_ptr<RowSweep> rows = RowSweep::make(molecule, cube, kernel, field, orbitals);
+  Progress progress;
+  if (rows == nullptr) {
+    Sweep sweep = exact_sweep();
+    sweep_exactly(cube, sweep, texts, &progress);
+    return;
+  }
+  std::optional<Sweep> exact;
+  std::vector<FieldText> in_doubt;
+  unsigned pause = 0, next_pause = 0;
+  for (unsigned i = 0; i < cube->npoints[0]; ++i) {
+    for (unsigned j = 0; j < cube->npoints[1]; ++j) {
+      if (pause > 0) {
+        --pause;
+        in_doubt.assign(texts.begin(), texts.end());
+      } else {
+        rows->run(i, j);
+        in_doubt.clear();
+        std::ranges::copy_if(texts, std::back_inserter(in_doubt), [&](const FieldText& to) {
+          return !to.text->put_sure(rows->field(to.field), rows->tolerances(to.field));
+        });
+        pause = in_doubt.empty() ? 0 : next_pause;
+        next_pause = in_doubt.empty() ? 0 : std::min(2 * next_pause + 1, pause_max);
+      }
+      if (!in_doubt.empty()) {
+        if (!exact) {
+          exact.emplace(exact_sweep());
+        }
+        const CubeDefinition row = row_of(cube, i, j);
+        sweep_exactly(&row, *exact, in_doubt, nullptr);
+      }
+      progress.show((i + static_cast<double>(j) / cube->npoints[1]) / cube->npoints[0]);
+    }
+  }
 }
 
 }  // namespace
@@ -155,48 +180,38 @@ void comp_data(const Molecule* molecule, const CubeDefinition* cube, std::int16_
                                                          : SweepField::density_and_potential;
   const std::vector<const Orbital*> orbitals =
       is_single ? std::vector{orbital_of(molecule, code, orbital)} : occupied_orbitals(molecule);
-  Sweep sweep(molecule, sweep_choose_kernel(), field, orbitals, extent_of(cube));
-  CubeText first_text(first, cube->npoints[2]);
-  CubeText second_text(second, cube->npoints[2]);
-  sweep_grid(cube, sweep, [&](unsigned count) {
-    first_text.put({sweep.field(code == field_potential ? 1 : 0), count});
-    if (code == field_density_and_potential) {
-      second_text.put({sweep.field(1), count});
-    }
-  });
+  CubeText first_text(first, cube->npoints[2]), second_text(second, cube->npoints[2]);
+  const FieldText texts[] = {{&first_text, code == field_potential ? 1U : 0U}, {&second_text, 1}};
+  sweep_grid(molecule, cube, field, orbitals,
+             std::span(texts).first(code == field_density_and_potential ? 2 : 1));
 }
 
-OrbitalValues comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_count, unsigned basis_count) {
-  const double point_count = 1.0 * cube->npoints[0] * cube->npoints[1] * cube->npoints[2];
-  const double fitting = orbital_memory / sizeof(double) / std::max(point_count + basis_count, 1.0);
-  OrbitalValues result = {nullptr, 0, 0};
+OrbitalTexts comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_count, unsigned basis_count) {
+  const double row_count = 1.0 * cube->npoints[0] * cube->npoints[1];
+  const double text_size = row_count * static_cast<double>(CubeText::size_of(1, cube->npoints[2]));
+  const double fitting = orbital_memory / std::max(text_size + 1.0 * sizeof(double) * basis_count, 1.0);
+  OrbitalTexts result = {nullptr, 0, 0};
   if (fitting >= 2.0) {
     result.orbital_count = static_cast<unsigned>(std::min<double>(fitting, orbital_count));
-    result.point_count = static_cast<std::size_t>(point_count);
-    result.values.reset(new (std::nothrow) double[result.point_count * result.orbital_count]);
+    result.text_size = static_cast<std::size_t>(text_size);
+    result.texts.reset(new (std::nothrow) char[result.text_size * result.orbital_count]);
   }
-  if (result.values == nullptr) {
+  if (result.texts == nullptr) {
     result.orbital_count = 0;
   }
   return result;
 }
 
-void comp_orbital_values(const Molecule* molecule, const CubeDefinition* cube, const Orbital* orbitals,
-                         unsigned count, OrbitalValues* result) {
+void comp_orbital_texts(const Molecule* molecule, const CubeDefinition* cube, const Orbital* orbitals,
+                        unsigned count, OrbitalTexts* result) {
   std::vector<const Orbital*> list(count);
   std::ranges::generate(list, [&] { return orbitals++; });
-  Sweep sweep(molecule, sweep_choose_kernel(), SweepField::orbital, list, extent_of(cube));
-  std::size_t done = 0;
-  sweep_grid(cube, sweep, [&](unsigned points) {
-    for (unsigned i = 0; i < count; ++i) {
-      std::copy_n(sweep.field(i), points, result->of(i).data() + done);
-    }
-    done += points;
-  });
-}
-
-void comp_write_values(const CubeDefinition* cube, std::span<const double> values, std::FILE* stream) {
-  CubeText(stream, cube->npoints[2]).put(values);
+  std::deque<CubeText> texts;
+  std::vector<FieldText> field_texts;
+  for (unsigned i = 0; i < count; ++i) {
+    field_texts.push_back({&texts.emplace_back(result->of(i), cube->npoints[2]), i});
+  }
+  sweep_grid(molecule, cube, SweepField::orbital, list, field_texts);
 }
 
 void comp_point_value(const Molecule* molecule, const double* point, std::int16_t code, std::int16_t orbital,

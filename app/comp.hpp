@@ -22,27 +22,22 @@ extern double* comp_bfce_vec;
 void comp_data(const Molecule* molecule, const CubeDefinition* cube, std::int16_t code, std::int16_t orbital,
                std::FILE* first, std::FILE* second);
 
-/// Room for the values of some orbitals at all grid points, bohr^(-3/2).
-struct OrbitalValues {
-  std::unique_ptr<double[]> values;
+/// Room for the data of the cube files of some orbitals.
+struct OrbitalTexts {
+  std::unique_ptr<char[]> texts;
   unsigned orbital_count;  // for which there is room; 0 if there is none for two
-  std::size_t point_count;
+  std::size_t text_size;
 
-  std::span<double> of(std::size_t orbital) const {
-    return {values.get() + orbital * point_count, point_count};
-  }
+  std::span<char> of(std::size_t orbital) const { return {texts.get() + orbital * text_size, text_size}; }
 };
 
 /// Room for `orbital_count` orbitals of `basis_count` coefficients, or for as many as 64 MiB and the memory
 /// at hand allow.
-OrbitalValues comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_count, unsigned basis_count);
+OrbitalTexts comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_count, unsigned basis_count);
 
-/// Evaluates `count` orbitals at all grid points in one sweep; there must be room for them.
-void comp_orbital_values(const Molecule* molecule, const CubeDefinition* cube, const Orbital* orbitals,
-                         unsigned count, OrbitalValues* result);
-
-/// Writes values of all grid points as comp_data does.
-void comp_write_values(const CubeDefinition* cube, std::span<const double> values, std::FILE* stream);
+/// Makes the data of `count` orbitals in one sweep, each as comp_data writes it; there must be room for them.
+void comp_orbital_texts(const Molecule* molecule, const CubeDefinition* cube, const Orbital* orbitals,
+                        unsigned count, OrbitalTexts* result);
 
 /// The field of the code at one point (x, y, z in bohr) in `first`; for those of the potential `first` is the
 /// total density (bohr^-3) and `second` the average local ionization potential (hartree). Other codes leave

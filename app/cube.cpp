@@ -76,7 +76,7 @@ void write_all_orbitals(const Molecule* molecule, const CubeDefinition* cube, st
   const unsigned orbital_count = molecule->basis_count;
   const Orbital* const orbitals =
       code == field_beta_orbital ? molecule->beta_orbitals : molecule->alpha_orbitals;
-  OrbitalValues block = comp_orbital_alloc(cube, orbital_count, molecule->basis_count);
+  OrbitalTexts block = comp_orbital_alloc(cube, orbital_count, molecule->basis_count);
   for (unsigned i = 0; i < orbital_count; ++i) {
     const std::string name = orbital_file_name(code, i + 1);
     const auto number = static_cast<std::int16_t>(i + 1);
@@ -88,10 +88,11 @@ void write_all_orbitals(const Molecule* molecule, const CubeDefinition* cube, st
     write_file(molecule, cube, report, name.c_str(), code, number, [&](std::FILE* stream, std::FILE*) {
       try {
         if (place == 0) {
-          comp_orbital_values(molecule, cube, orbitals + i, std::min(block.orbital_count, orbital_count - i),
-                              &block);
+          comp_orbital_texts(molecule, cube, orbitals + i, std::min(block.orbital_count, orbital_count - i),
+                             &block);
         }
-        comp_write_values(cube, block.of(place), stream);
+        const std::span<const char> text = block.of(place);
+        std::fwrite(text.data(), 1, text.size(), stream);
       } catch (const std::bad_alloc&) {
         // No value of this file is written yet. The block leaves no memory for its sweep: one by one from
         // here.

@@ -33,7 +33,7 @@ void eval_bfce_vec(const Molecule* molecule, const double* point, double* values
 double eval_mo(const Orbital* orbital, const double* values, unsigned n) {
   double sums[1][1];
   eval_orbitals(
-      orbital->coefficients, n, [](unsigned k) { return k; },
+      orbital->coefficients, 1U, n, [](unsigned k) { return k; },
       [&](std::size_t b, unsigned) { return values[b]; }, sums);
   return sums[0][0];
 }

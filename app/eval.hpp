@@ -26,10 +26,10 @@ inline void eval_contractions(const double* coefficients, unsigned count, Primit
 }
 
 /// Sums over basis functions, from 0.0 in the order given, for a few orbitals at a few points at once:
-/// sums[o][p] = Σ_k coefficients[Orbitals·f + o] · value(f, p) with f = function(k), k < count.
-template <unsigned Orbitals, unsigned Points, class Real, class Function, class Value>
-inline void eval_orbitals(const double* coefficients, unsigned count, Function function, Value value,
-                          Real (&sums)[Orbitals][Points]) {
+/// sums[o][p] = Σ_k coefficients[stride·f + o] · value(f, p) with f = function(k), k < count.
+template <unsigned Orbitals, unsigned Points, class Real, class Stride, class Function, class Value>
+inline void eval_orbitals(const double* coefficients, Stride stride, unsigned count, Function function,
+                          Value value, Real (&sums)[Orbitals][Points]) {
   Real sum[Orbitals][Points];  // of its own, so that it stays in registers
   for (unsigned o = 0; o < Orbitals; ++o) {
     for (unsigned p = 0; p < Points; ++p) {
@@ -39,7 +39,7 @@ inline void eval_orbitals(const double* coefficients, unsigned count, Function f
   for (unsigned k = 0; k < count; ++k) {
     const std::size_t f = function(k);
     for (unsigned o = 0; o < Orbitals; ++o) {
-      const Real coefficient = coefficients[Orbitals * f + o];
+      const Real coefficient = coefficients[stride * f + o];
       for (unsigned p = 0; p < Points; ++p) {
         sum[o][p] = sum[o][p] + coefficient * value(f, p);
       }

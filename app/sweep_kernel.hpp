@@ -267,7 +267,8 @@ class SweepPass {
     const double* const values = block_.values + std::size_t{tile} * plan_.basis_count * tile_points;
     Real orbitals[Orbitals][TilePacks];
     eval_orbitals(
-        group.coefficients, active_count, [&](unsigned k) { return block_.active_list[k]; },
+        group.coefficients, std::integral_constant<unsigned, Orbitals>{}, active_count,
+        [&](unsigned k) { return block_.active_list[k]; },
         [&](std::size_t b, unsigned p) { return Real::load(values + b * tile_points + p * Real::lanes); },
         orbitals);
     for (unsigned o = 0; o < Orbitals; ++o) {

@@ -117,17 +117,13 @@ void put_rare(double value, char* text) {
   std::memcpy(text + str_scientific_width - length, buffer, length);
 }
 
-}  // namespace
-
-void str_scientific(double value, char* text) {
+// Writes the text of a number that is neither 0 nor infinite nor NaN, unless a tie between two texts is within
+// `margin` of it, in units of 2^-64 of the number at least. What the routine itself cuts off needs a margin of 2.
+bool put_unless_tied(double value, std::uint64_t margin, char* text) {
   const auto bits = std::bit_cast<std::uint64_t>(value);
   const bool negative = (bits >> 63) != 0;
   const unsigned biased = static_cast<unsigned>(bits >> 52) & 0x7FF;
   const std::uint64_t stored = bits & 0xFFFFFFFFFFFFF;
-  if (biased == 0x7FF || (bits << 1) == 0) {
-    put_rare(value, text);
-    return;
-  }
   // |value| = mantissa · 2^(log2 - 63), mantissa with its top bit set.
   const std::uint64_t whole = biased == 0 ? stored : stored | (std::uint64_t{1} << 52);
   const int shift = std::countl_zero(whole);
@@ -147,9 +143,8 @@ void str_scientific(double value, char* text) {
   const int point = 62 - log2 - floor_log2_of_power10(power);  // bits of `scaled` after the point
   const std::uint64_t half = std::uint64_t{1} << (point - 1);
   const std::uint64_t fraction = scaled & (2 * half - 1);
-  if (fraction - (half - 2) <= 2) {
-    put_rare(value, text);
-    return;
+  if (fraction - (half - margin) <= 2 * margin) {
+    return false;
   }
   unsigned digits = static_cast<unsigned>(scaled >> point) + (fraction > half ? 1U : 0U);
   if (digits == 1000000) {
@@ -157,4 +152,24 @@ void str_scientific(double value, char* text) {
     ++exponent;
   }
   put(negative, digits, exponent, text);
+  return true;
+}
+
+// What put_unless_tied cuts off.
+constexpr std::uint64_t cut_off = 2;
+
+}  // namespace
+
+void str_scientific(double value, char* text) {
+  if (value == 0.0 || !std::isfinite(value) || !put_unless_tied(value, cut_off, text)) {
+    put_rare(value, text);
+  }
+}
+
+bool str_scientific_sure(double value, double tolerance, char* text) {
+  const double magnitude = std::fabs(value);
+  if (!(magnitude >= 1e-250 && magnitude < HUGE_VAL && tolerance < 1e-7)) {
+    return false;
+  }
+  return put_unless_tied(value, static_cast<std::uint64_t>(tolerance * 0x1p64) + cut_off + 1, text);
 }

@@ -1,0 +1,85 @@
+#include "cube_text.hpp"
+
+#include <algorithm>
+
+#include "str_real.hpp"
+
+namespace {
+
+constexpr std::size_t text_room = 65536;
+constexpr unsigned in_line = 6;
+
+// Writes values one after the other with write(value number, place), and ends lines and rows. Returns the end of the
+// text, or null as soon as `write` returns false.
+template <class Write>
+char* put_values(std::size_t count, unsigned in_row, unsigned row_length, char* text, Write write) {
+  unsigned left = in_line - in_row % in_line;
+  for (std::size_t n = 0; n < count; ++n) {
+    if (!write(n, text)) {
+      return nullptr;
+    }
+    text += str_scientific_width;
+    const bool is_row_end = ++in_row == row_length;
+    if (--left == 0 || is_row_end) {
+      *text++ = '\n';
+      left = in_line;
+    }
+    if (is_row_end) {
+      in_row = 0;
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
+CubeText::CubeText(std::FILE* stream, unsigned row_length)
+    : stream_(stream), row_length_(row_length) {
+  const std::size_t size = std::max(text_room, size_of(1, row_length));
+  own_ = std::make_unique_for_overwrite<char[]>(size);
+  text_ = {own_.get(), size};
+}
+
+CubeText::CubeText(std::span<char> room, unsigned row_length)
+    : stream_(nullptr), row_length_(row_length), text_(room) {}
+
+CubeText::~CubeText() { make_room(text_.size()); }
+
+std::size_t CubeText::size_of(std::size_t row_count, unsigned row_length) {
+  return row_count * (std::size_t{str_scientific_width} * row_length + (row_length + in_line - 1) / in_line);
+}
+
+void CubeText::put(std::span<const double> values) {
+  while (!values.empty()) {
+    const std::size_t count = std::min<std::size_t>(values.size(), text_room / (str_scientific_width + 1));
+    make_room(count * (str_scientific_width + 1));
+    char* const end = put_values(count, in_row_, row_length_, text_.data() + used_, [&](std::size_t n, char* to) {
+      str_scientific(values[n], to);
+      return true;
+    });
+    used_ = static_cast<std::size_t>(end - text_.data());
+    in_row_ = static_cast<unsigned>((in_row_ + count) % row_length_);
+    values = values.subspan(count);
+  }
+}
+
+bool CubeText::put_sure(std::span<const double> values, std::span<const double> tolerances) {
+  make_room(size_of(1, row_length_));
+  const char* const end =
+      put_values(values.size(), 0, row_length_, text_.data() + used_, [&](std::size_t n, char* to) {
+        return str_scientific_sure(values[n], tolerances[n], to);
+      });
+  if (end == nullptr) {
+    return false;
+  }
+  used_ = static_cast<std::size_t>(end - text_.data());
+  return true;
+}
+
+// Of a text in memory, all has room.
+void CubeText::make_room(std::size_t size) {
+  if (stream_ != nullptr && used_ + size > text_.size()) {
+    std::fwrite(text_.data(), 1, used_, stream_);
+    used_ = 0;
+  }
+}

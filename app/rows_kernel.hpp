@@ -1,0 +1,333 @@
+#pragma once
+
+#include <cmath>
+
+#include "eval.hpp"
+#include "pack.hpp"
+#include "rows_bound.hpp"
+#include "rows_plan.hpp"
+
+// The sweep over a piece of a row, for one type of pack. Included once by the translation unit of each
+// instruction set, with a pack type of an unnamed namespace. Sums may be fused here: the bound holds either way.
+
+/// One pass over a piece of a row. A tile is `TilePacks` packs wide; its orbital sums are formed for up to
+/// `TileOrbitals` orbitals at once, so that the sums stay in registers.
+template <class Real, unsigned TilePacks, unsigned TileOrbitals>
+class RowPass {
+ public:
+  static constexpr RowKernel kernel(const char* name, bool (*is_supported)()) {
+    return {name, is_supported, Real::lanes, tile_points, TileOrbitals, piece_tiles, run};
+  }
+
+ private:
+  static constexpr unsigned tile_points = TilePacks * Real::lanes;
+  static constexpr unsigned piece_tiles = 128 / tile_points;
+  static constexpr unsigned tile_packs = piece_tiles / Real::lanes;  // with a tile in each lane
+  static_assert(tile_packs * Real::lanes * tile_points == 128);
+
+  static void run(const RowPlan& plan, const RowPiece& piece) {
+    RowPass pass(plan, piece);
+    pass.weigh();
+    pass.choose();
+    pass.evaluate_functions();
+    unsigned first_orbital = 0;
+    for (unsigned c = 0; c < plan.chunk_count; ++c) {
+      pass.collapse(plan.chunks[c]);
+      pass.evaluate_orbitals(plan.chunks[c], first_orbital);
+      first_orbital += plan.chunks[c].count;
+    }
+    if (plan.field == SweepField::density_and_potential) {
+      pass.finish_density();
+    }
+  }
+
+  RowPass(const RowPlan& plan, const RowPiece& piece) : plan_(plan), piece_(piece) {}
+
+  // What each radial can come to at most in each tile, over all its functions and all orbitals.
+  void weigh() {
+    for (unsigned a = 0; a < plan_.atom_count; ++a) {
+      const RowAtom& atom = plan_.atoms[a];
+      double* const products = products_of(a);
+      multiply_out(atom, products);
+      for (unsigned r = 0; r < atom.radial_count; ++r) {
+        weigh_radial(atom.first_radial + r, products);
+      }
+    }
+  }
+
+  double* products_of(unsigned atom) const {
+    return piece_.products + std::size_t{atom} * row_powers * row_powers;
+  }
+
+  // Powers of the first offset across times powers of the second.
+  void multiply_out(const RowAtom& atom, double* products) const {
+    const double first = atom.across[0][piece_.across[0]];
+    const double second = atom.across[1][piece_.across[1]];
+    double power = 1.0;
+    for (unsigned p = 0; p <= atom.power_max; ++p) {
+      double product = power;
+      for (unsigned q = 0; p + q <= atom.power_max; ++q) {
+        products[p * row_powers + q] = product;
+        product *= second;
+      }
+      power *= first;
+    }
+  }
+
+  void weigh_radial(unsigned number, const double* products) {
+    const RowRadial& radial = plan_.radials[number];
+    const RowTerm* const terms = plan_.terms + radial.first_term;
+    double* const weights = piece_.weights + radial.first_term;
+    for (unsigned t = 0; t < radial.term_count; ++t) {
+      weights[t] = terms[t].weight * terms[t].across[0][piece_.across[0]] *
+                   terms[t].across[1][piece_.across[1]];
+    }
+    Real shares[2][tile_packs] = {};
+    const unsigned packs = (piece_.tile_count + Real::lanes - 1) / Real::lanes;
+    for (unsigned power = 0; power <= radial.power_max; ++power) {
+      double norms[2] = {};
+      for (unsigned m = radial.monomials[power]; m < radial.monomials[power + 1]; ++m) {
+        const double product = std::fabs(products[plan_.monomials[m].across]);
+        norms[0] += product * plan_.monomials[m].norms[0];
+        norms[1] += product * plan_.monomials[m].norms[1];
+      }
+      double* const peaks = piece_.peaks + std::size_t{radial.first_function + power} * piece_tiles;
+      for (unsigned p = 0; p < packs; ++p) {
+        const std::size_t at = std::size_t{power} * plan_.tile_room + piece_.first_tile + p * Real::lanes;
+        Real peak = 0.0;
+        for (unsigned t = 0; t < radial.term_count; ++t) {
+          peak = peak + std::fabs(weights[t]) * Real::load(terms[t].peaks + at);
+        }
+        peak.store(peaks + p * Real::lanes);
+        shares[0][p] = shares[0][p] + norms[0] * peak;
+        shares[1][p] = shares[1][p] + norms[1] * peak;
+      }
+    }
+    for (unsigned norm = 0; norm < 2; ++norm) {
+      double* const to = shares_of(number, norm);
+      for (unsigned p = 0; p < packs; ++p) {
+        shares[norm][p].store(to + p * Real::lanes);
+        totals_[norm][p] = totals_[norm][p] + shares[norm][p];
+      }
+    }
+  }
+
+  double* shares_of(unsigned radial, unsigned norm) const {
+    return piece_.shares + (std::size_t{radial} * 2 + norm) * piece_tiles;
+  }
+
+  // Leaves out the radials that come to next to nothing in a tile, and sets the bounds.
+  void choose() {
+    double totals[2][piece_tiles], left_out[2][piece_tiles] = {};
+    for (unsigned norm = 0; norm < 2; ++norm) {
+      for (unsigned p = 0; p < tile_packs; ++p) {
+        totals_[norm][p].store(totals[norm] + p * Real::lanes);
+      }
+    }
+    unsigned function_count = 0;
+    for (unsigned r = 0; r < plan_.radial_count; ++r) {
+      const double* const shares[2] = {shares_of(r, 0), shares_of(r, 1)};
+      bool is_used = false;
+      for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
+        if (shares[0][tile] > plan_.cut * totals[0][tile]) {
+          radials_of(tile)[radial_counts_[tile]++] = r;
+          is_used = true;
+        } else {
+          left_out[0][tile] += shares[0][tile];
+          left_out[1][tile] += shares[1][tile];
+        }
+      }
+      if (is_used) {
+        radials_of(piece_tiles)[row_radial_count_++] = r;
+        function_count += plan_.radials[r].power_max + 1;
+      }
+    }
+    rounding_ = plan_.rounding + plan_.rounding_of_function * function_count;
+    for (unsigned norm = 0; norm < 2; ++norm) {
+      for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
+        left_out_[norm][tile] = left_out[norm][tile] + plan_.tail[norm];
+        bounds_[norm][tile] = rounding_ * totals[norm][tile] + left_out_[norm][tile];
+      }
+    }
+  }
+
+  // The radials in use in a tile; behind all tiles, those in use in any.
+  unsigned* radials_of(unsigned tile) const {
+    return piece_.radials + std::size_t{tile} * plan_.radial_count;
+  }
+  unsigned* functions_of(unsigned tile) const {
+    return piece_.functions + std::size_t{tile} * plan_.function_count;
+  }
+  double* values_of(unsigned tile) const {
+    return piece_.values + std::size_t{tile} * plan_.function_count * tile_points;
+  }
+
+  // The row functions of the radials in use.
+  void evaluate_functions() {
+    for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
+      const std::size_t at = std::size_t{piece_.first_tile + tile} * tile_points;
+      const unsigned* const radials = radials_of(tile);
+      unsigned* const functions = functions_of(tile);
+      unsigned count = 0;
+      for (unsigned k = 0; k < radial_counts_[tile]; ++k) {
+        const RowRadial& radial = plan_.radials[radials[k]];
+        double* const values = values_of(tile) + std::size_t{radial.first_function} * tile_points;
+        if (radial.term_count == 1) {  // most frequent
+          evaluate_radial(radial, std::integral_constant<unsigned, 1>{}, at, values);
+        } else {
+          evaluate_radial(radial, radial.term_count, at, values);
+        }
+        for (unsigned power = 0; power <= radial.power_max; ++power) {
+          functions[count++] = radial.first_function + power;
+        }
+      }
+      function_counts_[tile] = count;
+    }
+  }
+
+  template <class Count>
+  void evaluate_radial(const RowRadial& radial, Count count, std::size_t at, double* values) const {
+    const RowTerm* const terms = plan_.terms + radial.first_term;
+    const double* const offsets = plan_.atoms[radial.atom].along + at;
+    Real sums[TilePacks];
+    eval_contractions(
+        piece_.weights + radial.first_term, count,
+        [&](unsigned t, std::size_t p) { return Real::load(terms[t].along + at + p * Real::lanes); }, sums);
+    for (unsigned p = 0; p < TilePacks; ++p) {
+      double* const to = values + p * Real::lanes;
+      sums[p].store(to);
+      for (unsigned power = 1; power <= radial.power_max; ++power) {
+        sums[p] = sums[p] * Real::load(offsets + p * Real::lanes);
+        sums[p].store(to + std::size_t{power} * tile_points);
+      }
+    }
+  }
+
+  // The coefficients of the row functions in a chunk of orbitals.
+  void collapse(const RowOrbitals& chunk) {
+    if (chunk.magnitudes != nullptr) {
+      __builtin_memset(piece_.orbital_bounds, 0, sizeof(double) * piece_.tile_count * plan_.stride);
+    }
+    const unsigned* const radials = radials_of(piece_tiles);
+    for (unsigned k = 0; k < row_radial_count_; ++k) {
+      const RowRadial& radial = plan_.radials[radials[k]];
+      const double* const products = products_of(radial.atom);
+      for (unsigned power = 0; power <= radial.power_max; ++power) {
+        const unsigned function = radial.first_function + power;
+        double* const to = piece_.coefficients + std::size_t{function} * plan_.stride;
+        for (unsigned o = 0; o < plan_.stride; o += Real::lanes) {
+          sum_monomials(radial, power, chunk.coefficients + o, [&](unsigned across) {
+            return products[across];
+          }).store(to + o);
+          if (chunk.magnitudes != nullptr) {
+            add_bounds(function, o, sum_monomials(radial, power, chunk.magnitudes + o, [&](unsigned across) {
+                         return std::fabs(products[across]);
+                       }));
+          }
+        }
+      }
+    }
+  }
+
+  template <class Product>
+  Real sum_monomials(const RowRadial& radial, unsigned power, const double* coefficients,
+                     Product product) const {
+    Real sum = 0.0;
+    for (unsigned m = radial.monomials[power]; m < radial.monomials[power + 1]; ++m) {
+      sum = sum + product(plan_.monomials[m].across) *
+                      Real::load(coefficients + std::size_t{m} * plan_.stride);
+    }
+    return sum;
+  }
+
+  void add_bounds(unsigned function, unsigned orbital, Real magnitudes) const {
+    const double* const peaks = piece_.peaks + std::size_t{function} * piece_tiles;
+    for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
+      double* const bounds = piece_.orbital_bounds + std::size_t{tile} * plan_.stride + orbital;
+      (Real::load(bounds) + peaks[tile] * magnitudes).store(bounds);
+    }
+  }
+
+  void evaluate_orbitals(const RowOrbitals& chunk, unsigned first_orbital) {
+    for (unsigned g = 0; g < chunk.group_count; ++g) {
+      const unsigned first = g * chunk.count / chunk.group_count;
+      const unsigned count = (g + 1) * chunk.count / chunk.group_count - first;
+      [&]<unsigned... I>(std::integer_sequence<unsigned, I...>) {
+        ((count == I + 1 ? evaluate_group<I + 1>(chunk, first, first_orbital) : void()), ...);
+      }
+      (std::make_integer_sequence<unsigned, TileOrbitals>{});
+    }
+  }
+
+  // Orbitals of a chunk, from its number `first` on, in all tiles.
+  template <unsigned Orbitals>
+  void evaluate_group(const RowOrbitals& chunk, unsigned first, unsigned first_orbital) {
+    const double* const coefficients = piece_.coefficients + first;
+    for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
+      const unsigned* const functions = functions_of(tile);
+      const double* const values = values_of(tile);
+      Real orbitals[Orbitals][TilePacks];
+      eval_orbitals(
+          coefficients, plan_.stride, function_counts_[tile], [&](unsigned k) { return functions[k]; },
+          [&](std::size_t f, unsigned p) { return Real::load(values + f * tile_points + p * Real::lanes); },
+          orbitals);
+      for (unsigned o = 0; o < Orbitals; ++o) {
+        if (plan_.field == SweepField::density_and_potential) {
+          for (unsigned p = 0; p < TilePacks; ++p) {
+            sums_[tile][p].add(orbitals[o][p], chunk.energy_magnitudes[first + o]);
+          }
+        } else {
+          finish_orbital(orbitals[o], tile, first_orbital + first + o,
+                         chunk.magnitudes == nullptr
+                             ? bounds_[0][tile]
+                             : rounding_ * piece_.orbital_bounds[tile * plan_.stride + first + o] +
+                                   left_out_[0][tile]);
+        }
+      }
+    }
+  }
+
+  void finish_orbital(const Real (&values)[TilePacks], unsigned tile, std::size_t orbital,
+                      double bound) const {
+    for (unsigned p = 0; p < TilePacks; ++p) {
+      const std::size_t at = orbital * piece_.stride + tile * tile_points + p * Real::lanes;
+      const Real relative = bound / higher_of(values[p], 0.0 - values[p]);
+      if (plan_.field == SweepField::orbital) {
+        values[p].store(piece_.fields + at);
+        relative.store(piece_.tolerances + at);
+      } else {
+        eval_square(values[p]).store(piece_.fields + at);
+        rows_square_tolerance(relative).store(piece_.tolerances + at);
+      }
+    }
+  }
+
+  void finish_density() const {
+    for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
+      double density = HUGE_VAL, weighted = HUGE_VAL;
+      for (const OccupiedSums<Real>& sums : sums_[tile]) {
+        density = lower_of(density, lowest(sums.density));
+        weighted = lower_of(weighted, lowest(sums.weighted));
+      }
+      const double tolerance = rows_sum_tolerance(bounds_[0][tile], density, plan_.orbital_count);
+      const double weighted_tolerance = rows_sum_tolerance(bounds_[1][tile], weighted, plan_.orbital_count);
+      for (unsigned p = 0; p < TilePacks; ++p) {
+        const OccupiedSums<Real>& sums = sums_[tile][p];
+        double* const field = piece_.fields + tile * tile_points + p * Real::lanes;
+        double* const relative = piece_.tolerances + (field - piece_.fields);
+        eval_total(sums, plan_.is_restricted).store(field);
+        eval_potential(sums, false).store(field + piece_.stride);
+        Real(tolerance).store(relative);
+        Real(rows_quotient_tolerance(weighted_tolerance, tolerance)).store(relative + piece_.stride);
+      }
+    }
+  }
+
+  const RowPlan& plan_;
+  const RowPiece& piece_;
+  Real totals_[2][tile_packs] = {};
+  double rounding_ = 0.0;
+  double left_out_[2][piece_tiles], bounds_[2][piece_tiles];
+  unsigned radial_counts_[piece_tiles] = {}, function_counts_[piece_tiles], row_radial_count_ = 0;
+  OccupiedSums<Real> sums_[piece_tiles][TilePacks];
+};
