@@ -72,9 +72,10 @@ void RowSweep::lay_out() {
     *pointer = next;
     next += rounded_up(size);
   }
-  lists_.resize((tiles + 1) * plan.radial_count + tiles * plan.function_count);
-  piece_.radials = lists_.data();
-  piece_.functions = lists_.data() + (tiles + 1) * plan.radial_count;
+  uses_.resize(plan.radial_count);
+  functions_.resize(tiles * plan.function_count);
+  piece_.uses = uses_.data();
+  piece_.functions = functions_.data();
 }
 
 void RowSweep::run(unsigned i, unsigned j) {

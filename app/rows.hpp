@@ -41,5 +41,6 @@ class RowSweep {
   unsigned row_length_;
   RowPiece piece_{};
   AlignedDoubles fields_, tolerances_, memory_;
-  std::vector<unsigned> lists_;
+  std::vector<RowUse> uses_;
+  std::vector<unsigned> functions_;
 };

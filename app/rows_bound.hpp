@@ -22,7 +22,8 @@
 //   |error of φ_o| <= ε Σ_f |C_fo| V_f,   ε = (6·48 + 100 + 2 P + n + F + g) u.
 //
 // Terms with a > 48 are smaller than |c N| (48 / α)^(l/2) exp(-48) and are off by another 2^-40 of themselves at
-// most (6·746 roundings; from 746 on both are 0 to any purpose): `tail` adds them up. What a tile leaves out
+// most (6·746 roundings; from 746 on both are 0 to any purpose): `tail` adds them up, and rows_negligible for each term
+// that is out of reach. What a tile leaves out
 // enters with all of its V. Underflow costs less than 10^-250, and no smaller value is sure (is_ordinary of
 // rows_build.cpp keeps all factors small enough for that).
 //
@@ -35,6 +36,7 @@
 inline constexpr double rows_unit = 0x1p-53;
 inline constexpr double rows_argument_max = 48.0;
 inline constexpr double rows_tail = 0x1p-40;
+inline constexpr double rows_negligible = 1e-26;
 inline constexpr double rows_multiple = 32.0 * rows_unit;  // how nearly functions are multiples of a radial
 
 // The bounds are evaluated in doubles themselves, and where errors count twice their squares are left out.

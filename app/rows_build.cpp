@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <map>
 
 #include "angular_polynomial.hpp"
@@ -136,7 +137,6 @@ class Builder {
     if (!tabulate(atom, &row_atom, &gaussians)) {
       return false;
     }
-    std::vector<unsigned> numbers;  // of the functions' monomials
     for (Radial& radial : radials) {
       add_radial(&radial, gaussians, &row_atom);
     }
@@ -254,6 +254,7 @@ class Builder {
                      {}};
     for (unsigned t = 0; t < row.term_count; ++t) {
       RowTerm& term = tables_.terms.emplace_back(gaussians.at(radial->exponents[t]));
+      term.exponent = radial->exponents[t];
       term.weight = radial->weights[t];
     }
     std::ranges::fill(row.monomials, static_cast<unsigned>(tables_.monomials.size()));
@@ -264,11 +265,6 @@ class Builder {
       row.power_max = std::max<unsigned>(row.power_max, along);
       std::fill(row.monomials + along + 1, row.monomials + row_powers + 1, number + 1);
       atom->power_max = std::max<unsigned>(atom->power_max, first + second);
-      for (unsigned t = 0; t < row.term_count; ++t) {
-        const double length = std::sqrt(rows_argument_max / radial->exponents[t]);
-        tails_.resize(tables_.monomials.size());
-        tails_[number] += std::fabs(radial->weights[t]) * std::pow(length, along + first + second);
-      }
     }
     tables_.plan.function_count += row.power_max + 1;
     tables_.radials.push_back(row);
@@ -349,12 +345,49 @@ class Builder {
     RowPlan& plan = tables_.plan;
     plan.rounding = rows_rounding(term_max_, molecule_->basis_count, function_max_);
     plan.rounding_of_function = rows_rounding_of_function;
-    plan.cut = tables_.magnitudes.empty() ? plan.rounding : 0x1p-20 * plan.rounding;
-    for (std::size_t m = 0; m < tables_.monomials.size(); ++m) {
-      for (unsigned norm = 0; norm < 2; ++norm) {
-        plan.tail[norm] += tails_[m] * std::exp(-rows_argument_max) * rows_tail * tables_.monomials[m].norms[norm];
+    plan.cut = (tables_.magnitudes.empty() ? 4.0 : 0x1p-20) * plan.rounding;
+    for (const RowRadial& radial : tables_.radials) {
+      const std::span terms(tables_.terms.data() + radial.first_term, radial.term_count);
+      for (RowTerm& term : terms) {
+        const double far = std::sqrt(rows_argument_max / term.exponent);
+        const double smallness = rows_tail * std::exp(-rows_argument_max);
+        for (unsigned norm = 0; norm < 2; ++norm) {
+          plan.tail[norm] += smallness * magnitude(radial, term, far, far, norm) + rows_negligible;
+        }
+        term.reach = find_reach(radial, term);
+      }
+      std::ranges::sort(terms, {}, &RowTerm::reach);
+    }
+  }
+
+  // What a term comes to at most, its exponential aside, where the offsets are at most so large.
+  double magnitude(const RowRadial& radial, const RowTerm& term, double across, double along, unsigned norm) const {
+    double sum = 0.0;
+    for (unsigned power = 0; power <= radial.power_max; ++power) {
+      for (unsigned m = radial.monomials[power]; m < radial.monomials[power + 1]; ++m) {
+        const RowMonomial& monomial = tables_.monomials[m];
+        sum += monomial.norms[norm] * std::pow(across, monomial.across / row_powers + monomial.across % row_powers) *
+               std::pow(along, power);
       }
     }
+    return std::fabs(term.weight) * sum;
+  }
+
+  // The square of the distance across from which on a term comes to less than rows_negligible.
+  double find_reach(const RowRadial& radial, const RowTerm& term) const {
+    // The largest |d|^n exp(-α d²) is (n / 2eα)^(n/2), not above sqrt(0.75 / α)^n or 1.
+    const double along = std::sqrt(0.75 / term.exponent);
+    const auto share = [&](double distance2) {
+      const double across = std::sqrt(distance2);
+      return std::exp(-term.exponent * distance2) * std::max(magnitude(radial, term, across, along, 0),
+                                                             magnitude(radial, term, across, along, 1));
+    };
+    // From an argument of 4 on it falls.
+    double distance2 = 4.0 / term.exponent;
+    for (int step = 0; step < 50 && share(distance2) > rows_negligible; ++step) {
+      distance2 *= 1.1;
+    }
+    return share(distance2) <= rows_negligible ? distance2 : std::numeric_limits<double>::infinity();
   }
 
   const Molecule* molecule_;
@@ -367,7 +400,6 @@ class Builder {
   unsigned term_max_ = 0, function_max_ = 0;
   std::vector<Part> parts_;
   std::vector<unsigned> part_monomials_;
-  std::vector<double> tails_;
 };
 
 }  // namespace

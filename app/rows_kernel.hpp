@@ -41,16 +41,26 @@ class RowPass {
     }
   }
 
-  RowPass(const RowPlan& plan, const RowPiece& piece) : plan_(plan), piece_(piece) {}
+  RowPass(const RowPlan& plan, const RowPiece& piece) : plan_(plan), piece_(piece), in_reach_(piece.uses) {}
 
-  // What each radial can come to at most in each tile, over all its functions and all orbitals.
+  // What each radial in reach can come to at most in each tile, over all its functions and all orbitals.
   void weigh() {
     for (unsigned a = 0; a < plan_.atom_count; ++a) {
       const RowAtom& atom = plan_.atoms[a];
+      const double first = atom.across[0][piece_.across[0]], second = atom.across[1][piece_.across[1]];
+      const double distance2 = first * first + second * second;
       double* const products = products_of(a);
-      multiply_out(atom, products);
-      for (unsigned r = 0; r < atom.radial_count; ++r) {
-        weigh_radial(atom.first_radial + r, products);
+      multiply_out(atom, first, second, products);
+      for (unsigned r = atom.first_radial; r < atom.first_radial + atom.radial_count; ++r) {
+        const RowRadial& radial = plan_.radials[r];
+        const RowTerm* const terms = plan_.terms + radial.first_term;
+        unsigned out_of_reach = 0;
+        while (out_of_reach < radial.term_count && terms[out_of_reach].reach < distance2) {
+          ++out_of_reach;
+        }
+        if (out_of_reach < radial.term_count) {
+          weigh_radial(r, out_of_reach, products);
+        }
       }
     }
   }
@@ -60,9 +70,7 @@ class RowPass {
   }
 
   // Powers of the first offset across times powers of the second.
-  void multiply_out(const RowAtom& atom, double* products) const {
-    const double first = atom.across[0][piece_.across[0]];
-    const double second = atom.across[1][piece_.across[1]];
+  static void multiply_out(const RowAtom& atom, double first, double second, double* products) {
     double power = 1.0;
     for (unsigned p = 0; p <= atom.power_max; ++p) {
       double product = power;
@@ -74,14 +82,16 @@ class RowPass {
     }
   }
 
-  void weigh_radial(unsigned number, const double* products) {
+  void weigh_radial(unsigned number, unsigned first_term, const double* products) {
     const RowRadial& radial = plan_.radials[number];
-    const RowTerm* const terms = plan_.terms + radial.first_term;
-    double* const weights = piece_.weights + radial.first_term;
-    for (unsigned t = 0; t < radial.term_count; ++t) {
+    const RowTerm* const terms = plan_.terms + radial.first_term + first_term;
+    double* const weights = piece_.weights + radial.first_term + first_term;
+    const unsigned term_count = radial.term_count - first_term;
+    for (unsigned t = 0; t < term_count; ++t) {
       weights[t] = terms[t].weight * terms[t].across[0][piece_.across[0]] *
                    terms[t].across[1][piece_.across[1]];
     }
+    in_reach_[in_reach_count_++] = {.radial = number, .first_term = first_term, .first_tile = 0, .end_tile = 0};
     Real shares[2][tile_packs] = {};
     const unsigned packs = (piece_.tile_count + Real::lanes - 1) / Real::lanes;
     for (unsigned power = 0; power <= radial.power_max; ++power) {
@@ -95,7 +105,7 @@ class RowPass {
       for (unsigned p = 0; p < packs; ++p) {
         const std::size_t at = std::size_t{power} * plan_.tile_room + piece_.first_tile + p * Real::lanes;
         Real peak = 0.0;
-        for (unsigned t = 0; t < radial.term_count; ++t) {
+        for (unsigned t = 0; t < term_count; ++t) {
           peak = peak + std::fabs(weights[t]) * Real::load(terms[t].peaks + at);
         }
         peak.store(peaks + p * Real::lanes);
@@ -124,24 +134,30 @@ class RowPass {
         totals_[norm][p].store(totals[norm] + p * Real::lanes);
       }
     }
-    unsigned function_count = 0;
-    for (unsigned r = 0; r < plan_.radial_count; ++r) {
-      const double* const shares[2] = {shares_of(r, 0), shares_of(r, 1)};
-      bool is_used = false;
+    unsigned function_count = 0, used_count = 0;
+    for (unsigned n = 0; n < in_reach_count_; ++n) {
+      RowUse use = in_reach_[n];
+      const RowRadial& radial = plan_.radials[use.radial];
+      const double* const shares[2] = {shares_of(use.radial, 0), shares_of(use.radial, 1)};
       for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
         if (shares[0][tile] > plan_.cut * totals[0][tile]) {
-          radials_of(tile)[radial_counts_[tile]++] = r;
-          is_used = true;
+          unsigned* const functions = functions_of(tile);
+          for (unsigned power = 0; power <= radial.power_max; ++power) {
+            functions[function_counts_[tile]++] = radial.first_function + power;
+          }
+          use.first_tile = use.end_tile == 0 ? tile : use.first_tile;
+          use.end_tile = tile + 1;
         } else {
           left_out[0][tile] += shares[0][tile];
           left_out[1][tile] += shares[1][tile];
         }
       }
-      if (is_used) {
-        radials_of(piece_tiles)[row_radial_count_++] = r;
-        function_count += plan_.radials[r].power_max + 1;
+      if (use.end_tile > 0) {
+        in_reach_[used_count++] = use;
+        function_count += radial.power_max + 1;
       }
     }
+    in_reach_count_ = used_count;
     rounding_ = plan_.rounding + plan_.rounding_of_function * function_count;
     for (unsigned norm = 0; norm < 2; ++norm) {
       for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
@@ -151,10 +167,6 @@ class RowPass {
     }
   }
 
-  // The radials in use in a tile; behind all tiles, those in use in any.
-  unsigned* radials_of(unsigned tile) const {
-    return piece_.radials + std::size_t{tile} * plan_.radial_count;
-  }
   unsigned* functions_of(unsigned tile) const {
     return piece_.functions + std::size_t{tile} * plan_.function_count;
   }
@@ -162,43 +174,47 @@ class RowPass {
     return piece_.values + std::size_t{tile} * plan_.function_count * tile_points;
   }
 
-  // The row functions of the radials in use.
-  void evaluate_functions() {
-    for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
-      const std::size_t at = std::size_t{piece_.first_tile + tile} * tile_points;
-      const unsigned* const radials = radials_of(tile);
-      unsigned* const functions = functions_of(tile);
-      unsigned count = 0;
-      for (unsigned k = 0; k < radial_counts_[tile]; ++k) {
-        const RowRadial& radial = plan_.radials[radials[k]];
-        double* const values = values_of(tile) + std::size_t{radial.first_function} * tile_points;
-        if (radial.term_count == 1) {  // most frequent
-          evaluate_radial(radial, std::integral_constant<unsigned, 1>{}, at, values);
-        } else {
-          evaluate_radial(radial, radial.term_count, at, values);
-        }
-        for (unsigned power = 0; power <= radial.power_max; ++power) {
-          functions[count++] = radial.first_function + power;
-        }
+  // The row functions of the radials in use. Most radials have few terms: with their number known when compiled,
+  // their sums need no loop.
+  void evaluate_functions() const {
+    for (unsigned n = 0; n < in_reach_count_; ++n) {
+      const RowUse& use = in_reach_[n];
+      switch (const unsigned count = plan_.radials[use.radial].term_count - use.first_term) {
+        case 1:
+          evaluate_radial(use, std::integral_constant<unsigned, 1>{});
+          break;
+        case 2:
+          evaluate_radial(use, std::integral_constant<unsigned, 2>{});
+          break;
+        case 3:
+          evaluate_radial(use, std::integral_constant<unsigned, 3>{});
+          break;
+        default:
+          evaluate_radial(use, count);
       }
-      function_counts_[tile] = count;
     }
   }
 
   template <class Count>
-  void evaluate_radial(const RowRadial& radial, Count count, std::size_t at, double* values) const {
-    const RowTerm* const terms = plan_.terms + radial.first_term;
-    const double* const offsets = plan_.atoms[radial.atom].along + at;
-    Real sums[TilePacks];
-    eval_contractions(
-        piece_.weights + radial.first_term, count,
-        [&](unsigned t, std::size_t p) { return Real::load(terms[t].along + at + p * Real::lanes); }, sums);
-    for (unsigned p = 0; p < TilePacks; ++p) {
-      double* const to = values + p * Real::lanes;
-      sums[p].store(to);
-      for (unsigned power = 1; power <= radial.power_max; ++power) {
-        sums[p] = sums[p] * Real::load(offsets + p * Real::lanes);
-        sums[p].store(to + std::size_t{power} * tile_points);
+  void evaluate_radial(const RowUse& use, Count count) const {
+    const RowRadial& radial = plan_.radials[use.radial];
+    const unsigned first_term = radial.first_term + use.first_term;
+    const RowTerm* const terms = plan_.terms + first_term;
+    const double* const offsets = plan_.atoms[radial.atom].along;
+    for (unsigned tile = use.first_tile; tile < use.end_tile; ++tile) {
+      const std::size_t at = std::size_t{piece_.first_tile + tile} * tile_points;
+      double* const values = values_of(tile) + std::size_t{radial.first_function} * tile_points;
+      Real sums[TilePacks];
+      eval_contractions(
+          piece_.weights + first_term, count,
+          [&](unsigned t, std::size_t p) { return Real::load(terms[t].along + at + p * Real::lanes); }, sums);
+      for (unsigned p = 0; p < TilePacks; ++p) {
+        double* const to = values + p * Real::lanes;
+        sums[p].store(to);
+        for (unsigned power = 1; power <= radial.power_max; ++power) {
+          sums[p] = sums[p] * Real::load(offsets + at + p * Real::lanes);
+          sums[p].store(to + std::size_t{power} * tile_points);
+        }
       }
     }
   }
@@ -208,9 +224,8 @@ class RowPass {
     if (chunk.magnitudes != nullptr) {
       __builtin_memset(piece_.orbital_bounds, 0, sizeof(double) * piece_.tile_count * plan_.stride);
     }
-    const unsigned* const radials = radials_of(piece_tiles);
-    for (unsigned k = 0; k < row_radial_count_; ++k) {
-      const RowRadial& radial = plan_.radials[radials[k]];
+    for (unsigned n = 0; n < in_reach_count_; ++n) {
+      const RowRadial& radial = plan_.radials[in_reach_[n].radial];
       const double* const products = products_of(radial.atom);
       for (unsigned power = 0; power <= radial.power_max; ++power) {
         const unsigned function = radial.first_function + power;
@@ -328,6 +343,8 @@ class RowPass {
   Real totals_[2][tile_packs] = {};
   double rounding_ = 0.0;
   double left_out_[2][piece_tiles], bounds_[2][piece_tiles];
-  unsigned radial_counts_[piece_tiles] = {}, function_counts_[piece_tiles], row_radial_count_ = 0;
+  RowUse* const in_reach_;       // the radials in reach, then those in use
+  unsigned in_reach_count_ = 0;
+  unsigned function_counts_[piece_tiles] = {};
   OccupiedSums<Real> sums_[piece_tiles][TilePacks];
 };

@@ -19,7 +19,9 @@ inline constexpr unsigned row_powers = 5;  // 0 to 4, the highest angular moment
 
 /// A Gaussian exp(-α r²) is the product of its factors exp(-α d²) along the three axes.
 struct RowTerm {
+  double exponent;          // bohr^-2
   double weight;            // contraction coefficient times normalization constant
+  double reach;             // bohr²: from this square of the distance across on, it adds next to nothing
   const double* across[2];  // factors, by the index of the coordinate
   const double* along;      // factors, by the point of the row
   const double* peaks;      // [power][tile]: the largest |d|^power · factor of a tile
@@ -30,6 +32,7 @@ struct RowMonomial {
   double norms[2];  // for all orbitals together, what RowPlan's bound takes in place of their coefficients
 };
 
+/// Terms are in the order of their reach.
 struct RowRadial {
   unsigned atom, term_count, first_term, power_max;
   unsigned first_function;               // its row functions, by their power, follow each other
@@ -66,6 +69,11 @@ struct RowPlan {
   double rounding, rounding_of_function, tail[2], cut;
 };
 
+/// A radial in a piece: its terms from `first_term` on, in the tiles from `first_tile` up to `end_tile`.
+struct RowUse {
+  unsigned radial, first_term, first_tile, end_tile;
+};
+
 /// One unit of work.
 struct RowPiece {
   unsigned across[2];  // indices of the coordinates across
@@ -78,8 +86,8 @@ struct RowPiece {
   double* products;       // [atom][first power][second power]: of the offsets across
   double* peaks;          // [row function][tile]: no value of the function is larger in magnitude
   double* shares;         // [radial][norm][tile]: at most so much comes from the radial
-  unsigned* radials;      // [tile][...]: those that are not left out
-  unsigned* functions;    // [tile][...]: their row functions
+  RowUse* uses;           // [radial]
+  unsigned* functions;    // [tile][...]: the row functions that are not left out
   double* values;         // [tile][row function][point of the tile]
   double* coefficients;   // [row function][orbital]: collapsed
   double* orbital_bounds; // [tile][orbital]
