@@ -12,7 +12,9 @@
 // Let a = α r², and V_f what function f comes to with all terms of its sum and of its angular factor A taken
 // positive. The exact sweep rounds r² thrice and its product with α once, which moves a term by 4 a u; the
 // exponential is good to 2 u, the angular factor to 10 u of its magnitude, the three products of a term and the
-// sum over P terms to (3 + P) u, the orbital's sum over n functions to (1 + n) u. The rows take three
+// sum over P terms to (3 + P) u, the orbital's sum over n functions to (1 + n) u. (Functions that the rows leave out
+// do not count in n: adding t changes a sum by a rounding of at most |t|, since the sum itself is a double.) The
+// rows take three
 // exponentials of α d², each moved by 2 u of its argument and good to 2 u, and multiply them with a weight:
 // (2 a + 9) u; functions count as multiples of one radial if each term is so to 32 u; the sum over the terms,
 // the powers along and across, the collapsed coefficients, which are sums over at most F functions of a radial and
@@ -24,7 +26,7 @@
 // Terms with a > 48 are smaller than |c N| (48 / α)^(l/2) exp(-48) and are off by another 2^-40 of themselves at
 // most (6·746 roundings; from 746 on both are 0 to any purpose): `tail` adds them up, and rows_negligible for each term
 // that is out of reach. What a tile leaves out
-// enters with all of its V. Underflow costs less than 10^-250, and no smaller value is sure (is_ordinary of
+// enters with all of its V twice, once for lacking and once for its rounding in the exact sweep. Underflow costs less than 10^-250, and no smaller value is sure (is_ordinary of
 // rows_build.cpp keeps all factors small enough for that).
 //
 // For sums over orbitals, let Δ be the same bound with the norm of the vector C_f over the orbitals in place of
@@ -42,12 +44,11 @@ inline constexpr double rows_multiple = 32.0 * rows_unit;  // how nearly functio
 // The bounds are evaluated in doubles themselves, and where errors count twice their squares are left out.
 inline constexpr double rows_margin = 1.0625;
 
-/// ε without g, and its part for each row function.
-constexpr double rows_rounding(double term_max, double basis_count, double function_max) {
-  return rows_margin * (6.0 * rows_argument_max + 100.0 + 2.0 * term_max + basis_count + function_max) *
-         rows_unit;
+/// ε without n and g, and what each of these summands adds.
+constexpr double rows_rounding(double term_max, double function_max) {
+  return rows_margin * (6.0 * rows_argument_max + 100.0 + 2.0 * term_max + function_max) * rows_unit;
 }
-inline constexpr double rows_rounding_of_function = rows_margin * rows_unit;
+inline constexpr double rows_rounding_of_summand = rows_margin * rows_unit;
 
 /// Relative tolerance of Σ φ_o² or Σ |ε_o| φ_o² over `count` orbitals with the bound Δ; infinite if the sum is 0.
 [[gnu::always_inline]] inline double rows_sum_tolerance(double bound, double sum, unsigned count) {

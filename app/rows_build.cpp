@@ -250,6 +250,7 @@ class Builder {
                      static_cast<unsigned>(radial->weights.size()),
                      static_cast<unsigned>(tables_.terms.size()),
                      0,
+                     radial->function_count,
                      tables_.plan.function_count,
                      {}};
     for (unsigned t = 0; t < row.term_count; ++t) {
@@ -343,9 +344,8 @@ class Builder {
 
   void set_bound() {
     RowPlan& plan = tables_.plan;
-    plan.rounding = rows_rounding(term_max_, molecule_->basis_count, function_max_);
-    plan.rounding_of_function = rows_rounding_of_function;
-    plan.cut = (tables_.magnitudes.empty() ? 4.0 : 0x1p-20) * plan.rounding;
+    plan.rounding = rows_rounding(term_max_, function_max_);
+    plan.cut = (tables_.magnitudes.empty() ? 0.5 : 0x1p-20) * plan.rounding;
     for (const RowRadial& radial : tables_.radials) {
       const std::span terms(tables_.terms.data() + radial.first_term, radial.term_count);
       for (RowTerm& term : terms) {

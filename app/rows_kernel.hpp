@@ -134,7 +134,7 @@ class RowPass {
         totals_[norm][p].store(totals[norm] + p * Real::lanes);
       }
     }
-    unsigned function_count = 0, used_count = 0;
+    unsigned summand_counts[piece_tiles] = {}, used_count = 0;
     for (unsigned n = 0; n < in_reach_count_; ++n) {
       RowUse use = in_reach_[n];
       const RowRadial& radial = plan_.radials[use.radial];
@@ -145,6 +145,7 @@ class RowPass {
           for (unsigned power = 0; power <= radial.power_max; ++power) {
             functions[function_counts_[tile]++] = radial.first_function + power;
           }
+          summand_counts[tile] += radial.basis_count + radial.power_max + 1;
           use.first_tile = use.end_tile == 0 ? tile : use.first_tile;
           use.end_tile = tile + 1;
         } else {
@@ -154,15 +155,14 @@ class RowPass {
       }
       if (use.end_tile > 0) {
         in_reach_[used_count++] = use;
-        function_count += radial.power_max + 1;
       }
     }
     in_reach_count_ = used_count;
-    rounding_ = plan_.rounding + plan_.rounding_of_function * function_count;
-    for (unsigned norm = 0; norm < 2; ++norm) {
-      for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
-        left_out_[norm][tile] = left_out[norm][tile] + plan_.tail[norm];
-        bounds_[norm][tile] = rounding_ * totals[norm][tile] + left_out_[norm][tile];
+    for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
+      rounding_[tile] = plan_.rounding + summand_counts[tile] * rows_rounding_of_summand;
+      for (unsigned norm = 0; norm < 2; ++norm) {
+        left_out_[norm][tile] = 2.0 * (left_out[norm][tile] + plan_.tail[norm]);
+        bounds_[norm][tile] = rounding_[tile] * totals[norm][tile] + left_out_[norm][tile];
       }
     }
   }
@@ -295,7 +295,7 @@ class RowPass {
           finish_orbital(orbitals[o], tile, first_orbital + first + o,
                          chunk.magnitudes == nullptr
                              ? bounds_[0][tile]
-                             : rounding_ * piece_.orbital_bounds[tile * plan_.stride + first + o] +
+                             : rounding_[tile] * piece_.orbital_bounds[tile * plan_.stride + first + o] +
                                    left_out_[0][tile]);
         }
       }
@@ -341,8 +341,7 @@ class RowPass {
   const RowPlan& plan_;
   const RowPiece& piece_;
   Real totals_[2][tile_packs] = {};
-  double rounding_ = 0.0;
-  double left_out_[2][piece_tiles], bounds_[2][piece_tiles];
+  double rounding_[piece_tiles], left_out_[2][piece_tiles], bounds_[2][piece_tiles];
   RowUse* const in_reach_;       // the radials in reach, then those in use
   unsigned in_reach_count_ = 0;
   unsigned function_counts_[piece_tiles] = {};

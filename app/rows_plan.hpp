@@ -35,6 +35,7 @@ struct RowMonomial {
 /// Terms are in the order of their reach.
 struct RowRadial {
   unsigned atom, term_count, first_term, power_max;
+  unsigned basis_count;                  // basis functions that are multiples of it
   unsigned first_function;               // its row functions, by their power, follow each other
   unsigned monomials[row_powers + 1];    // those of a power: from its number on up to the next
 };
@@ -66,7 +67,7 @@ struct RowPlan {
   const RowMonomial* monomials;
   const RowOrbitals* chunks;
   // Of the bound, see rows_bound.hpp.
-  double rounding, rounding_of_function, tail[2], cut;
+  double rounding, tail[2], cut;
 };
 
 /// A radial in a piece: its terms from `first_term` on, in the tiles from `first_tile` up to `end_tile`.
