@@ -7,9 +7,9 @@
 
 #include "angular.hpp"
 
-/// An angular factor written out as a polynomial in x, y and z. As the number type of the factors it turns the
-/// formulas that evaluate a factor into its coefficients, and keeps what the formula's terms come to where all
-/// of them are taken positive: that measures the rounding of the formula.
+/// An angular factor written out as a polynomial in x, y and z. As the number type of the factors it turns
+/// the formulas that evaluate a factor into its coefficients, and keeps what the formula's terms come to
+/// where all of them are taken positive: that measures the rounding of the formula.
 class AngularPolynomial {
  public:
   struct Term {

@@ -71,19 +71,6 @@ class GridWalk {
   bool is_at_end_;
 };
 
-// No coordinate of a grid point is larger in magnitude; NaN if one is undefined.
-double extent_of(const CubeDefinition* cube) {
-  double extent = 0.0;
-  for (unsigned c = 0; c < 3; ++c) {
-    double reach = std::fabs(cube->points[0][c]);
-    for (unsigned axis = 0; axis < 3; ++axis) {
-      reach += cube->npoints[axis] * std::fabs(cube->vectors[axis][c]);
-    }
-    extent += reach;  // an upper bound, and NaN stays NaN
-  }
-  return extent;
-}
-
 std::vector<const Orbital*> occupied_orbitals(const Molecule* molecule) {
   std::vector<const Orbital*> orbitals;
   for (const OccupiedOrbitals& spin : occupation_of(molecule).spin) {
@@ -128,12 +115,13 @@ CubeDefinition row_of(const CubeDefinition* cube, unsigned i, unsigned j) {
   return row;
 }
 
-// All points of the grid, row by row where that can be done, which is cheaper; then the exact sweep decides the
-// texts of rows that are left in doubt. Where one such row follows the other, rows are not even tried for a while.
+// All points of the grid, row by row where that can be done, which is cheaper; then the exact sweep decides
+// the texts of rows that are left in doubt. Where one such row follows the other, rows are not even tried for
+// a while.
 void sweep_grid(const Molecule* molecule, const CubeDefinition* cube, SweepField field,
                 std::span<const Orbital* const> orbitals, std::span<const FieldText> texts) {
   const SweepKernel& kernel = sweep_choose_kernel();
-  const auto exact_sweep = [&] { return Sweep(molecule, kernel, field, orbitals, extent_of(cube)); };
+  const auto exact_sweep = [&] { return Sweep(molecule, kernel, field, orbitals, cube_extent(cube)); };
   const std::unique_ptr<RowSweep> rows = RowSweep::make(molecule, cube, kernel, field, orbitals);
   Progress progress;
   if (rows == nullptr) {

@@ -9,8 +9,8 @@ namespace {
 constexpr std::size_t text_room = 65536;
 constexpr unsigned in_line = 6;
 
-// Writes values one after the other with write(value number, place), and ends lines and rows. Returns the end of the
-// text, or null as soon as `write` returns false.
+// Writes values one after the other with write(value number, place), and ends lines and rows. Returns the end
+// of the text, or null as soon as `write` returns false.
 template <class Write>
 char* put_values(std::size_t count, unsigned in_row, unsigned row_length, char* text, Write write) {
   unsigned left = in_line - in_row % in_line;
@@ -33,8 +33,7 @@ char* put_values(std::size_t count, unsigned in_row, unsigned row_length, char* 
 
 }  // namespace
 
-CubeText::CubeText(std::FILE* stream, unsigned row_length)
-    : stream_(stream), row_length_(row_length) {
+CubeText::CubeText(std::FILE* stream, unsigned row_length) : stream_(stream), row_length_(row_length) {
   const std::size_t size = std::max(text_room, size_of(1, row_length));
   own_ = std::make_unique_for_overwrite<char[]>(size);
   text_ = {own_.get(), size};
@@ -53,10 +52,11 @@ void CubeText::put(std::span<const double> values) {
   while (!values.empty()) {
     const std::size_t count = std::min<std::size_t>(values.size(), text_room / (str_scientific_width + 1));
     make_room(count * (str_scientific_width + 1));
-    char* const end = put_values(count, in_row_, row_length_, text_.data() + used_, [&](std::size_t n, char* to) {
-      str_scientific(values[n], to);
-      return true;
-    });
+    char* const end =
+        put_values(count, in_row_, row_length_, text_.data() + used_, [&](std::size_t n, char* to) {
+          str_scientific(values[n], to);
+          return true;
+        });
     used_ = static_cast<std::size_t>(end - text_.data());
     in_row_ = static_cast<unsigned>((in_row_ + count) % row_length_);
     values = values.subspan(count);
@@ -66,9 +66,8 @@ void CubeText::put(std::span<const double> values) {
 bool CubeText::put_sure(std::span<const double> values, std::span<const double> tolerances) {
   make_room(size_of(1, row_length_));
   const char* const end =
-      put_values(values.size(), 0, row_length_, text_.data() + used_, [&](std::size_t n, char* to) {
-        return str_scientific_sure(values[n], tolerances[n], to);
-      });
+      put_values(values.size(), 0, row_length_, text_.data() + used_,
+                 [&](std::size_t n, char* to) { return str_scientific_sure(values[n], tolerances[n], to); });
   if (end == nullptr) {
     return false;
   }

@@ -6,7 +6,8 @@
 
 #include "grid.hpp"
 
-/// The data of a cube file as text: "%13.5e" each, six values to a line, every row of the third axis on a new line.
+/// The data of a cube file as text: "%13.5e" each, six values to a line, every row of the third axis on a new
+/// line.
 class CubeText {
  public:
   /// Text that is written to `stream`; all of it is there when this is destroyed.
@@ -25,8 +26,8 @@ class CubeText {
   /// Appends values; rows end where they are full.
   void put(std::span<const double> values);
 
-  /// Appends a whole row of values that are known to a relative tolerance each, if that leaves no doubt about their
-  /// text. Else returns false, and nothing is appended.
+  /// Appends a whole row of values that are known to a relative tolerance each, if that leaves no doubt about
+  /// their text. Else returns false, and nothing is appended.
   bool put_sure(std::span<const double> values, std::span<const double> tolerances);
 
  private:

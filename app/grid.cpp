@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 
 #include "atom.hpp"
@@ -34,6 +35,18 @@ constexpr double points_per_bohr = 8.0;
 constexpr unsigned points_max = 80;  // along an axis
 
 }  // namespace
+
+double cube_extent(const CubeDefinition* cube) {
+  double extent = 0.0;
+  for (unsigned c = 0; c < 3; ++c) {
+    double reach = std::fabs(cube->points[0][c]);
+    for (unsigned axis = 0; axis < 3; ++axis) {
+      reach += cube->npoints[axis] * std::fabs(cube->vectors[axis][c]);
+    }
+    extent += reach;  // an upper bound, and NaN stays NaN
+  }
+  return extent;
+}
 
 void cube_define(const Molecule* molecule, CubeDefinition* cube) {
   if (conf_cube_def == 2) {

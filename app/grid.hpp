@@ -16,6 +16,9 @@ inline double cube_coordinate(const CubeDefinition* cube, unsigned i, unsigned j
   return cube->points[0][c] + i * cube->vectors[0][c] + j * cube->vectors[1][c] + k * cube->vectors[2][c];
 }
 
+/// No coordinate of a grid point is larger in magnitude, bohr; NaN if one is undefined.
+double cube_extent(const CubeDefinition* cube);
+
 /// Completes the grid as conf_cube_def tells: made around the molecule (0), kept as read (1), or step
 /// vectors from the four points (2).
 void cube_define(const Molecule* molecule, CubeDefinition* cube);

@@ -12,10 +12,10 @@ namespace {
 const RowKernel& kernel_like(const SweepKernel& exact) {
   static constexpr std::array kernels = {
 #if defined(__x86_64__)
-      &rows_avx512,
-      &rows_avx2,
+    &rows_avx512,
+    &rows_avx2,
 #endif
-      &rows_plain
+    &rows_plain
   };
   for (const RowKernel* kernel : kernels) {
     if (std::strcmp(kernel->name, exact.name) == 0 && kernel->is_supported()) {

@@ -8,9 +8,9 @@
 #include "memory.hpp"
 #include "rows_build.hpp"
 
-// Fields at the points of whole rows, cheaper than the exact sweep gives them and with a bound of how far they may
-// lie from what it gives. Gaussians are products along the axes, and functions of the same radial become one in a
-// row; what is next to nothing is left out.
+// Fields at the points of whole rows, cheaper than the exact sweep gives them and with a bound of how far
+// they may lie from what it gives. Gaussians are products along the axes, and functions of the same radial
+// become one in a row; what is next to nothing is left out.
 
 class RowSweep {
  public:
@@ -26,7 +26,8 @@ class RowSweep {
   /// What the last run found for each point of the row; numbers as for Sweep::field.
   std::span<const double> field(std::size_t number) const { return part_of(fields_, number); }
 
-  /// How far, relatively, the exact sweep's values may lie from these; infinite or NaN where nothing is known.
+  /// How far, relatively, the exact sweep's values may lie from these; infinite or NaN where nothing is
+  /// known.
   std::span<const double> tolerances(std::size_t number) const { return part_of(tolerances_, number); }
 
  private:

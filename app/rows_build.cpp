@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr unsigned row_length_min = 16;      // below, a row's own work is not worth while
+constexpr unsigned row_length_min = 16;  // below, a row's own work is not worth while
 constexpr double table_room = 64.0 * 1024 * 1024 / sizeof(double);
 constexpr unsigned chunk_orbitals = 96;
 
@@ -81,7 +81,8 @@ class Builder {
   }
 
  private:
-  // One coordinate must change along a row only, and each of the others with one of the first two indices only.
+  // One coordinate must change along a row only, and each of the others with one of the first two indices
+  // only.
   bool find_axes() {
     const auto moves = [&](unsigned index, unsigned c) { return cube_->vectors[index][c] != 0.0; };
     unsigned along_count = 0, across_count = 0;
@@ -128,12 +129,13 @@ class Builder {
       if (!add_function(f, &radials)) {
         return false;
       }
-      for (const double exponent : std::span(molecule_->basis[f].exponents, molecule_->basis[f].primitive_count)) {
+      for (const double exponent :
+           std::span(molecule_->basis[f].exponents, molecule_->basis[f].primitive_count)) {
         gaussians[exponent] = {};
       }
     }
-    RowAtom row_atom = {{}, nullptr, static_cast<unsigned>(tables_.radials.size()),
-                        static_cast<unsigned>(radials.size()), 0};
+    RowAtom row_atom = {
+        {}, nullptr, static_cast<unsigned>(tables_.radials.size()), static_cast<unsigned>(radials.size()), 0};
     if (!tabulate(atom, &row_atom, &gaussians)) {
       return false;
     }
@@ -165,7 +167,9 @@ class Builder {
       return true;  // 0 everywhere
     }
     const auto same = std::ranges::find_if(*radials, [&](const Radial& radial) {
-      if (radial.weights.size() != count || !std::equal(weights.begin(), weights.end(), radial.weights.begin(), [](double a, double b) { return (a == 0.0) == (b == 0.0); }) ||
+      if (radial.weights.size() != count ||
+          !std::equal(weights.begin(), weights.end(), radial.weights.begin(),
+                      [](double a, double b) { return (a == 0.0) == (b == 0.0); }) ||
           !std::equal(radial.exponents, radial.exponents + count, function->exponents)) {
         return false;
       }
@@ -223,7 +227,8 @@ class Builder {
     }
     const auto tabulate_factors = [&](double exponent, const double* offsets, std::size_t count) {
       double* const to = take(count);
-      std::transform(offsets, offsets + count, to, [&](double d) { return exponential(-(exponent * (d * d))); });
+      std::transform(offsets, offsets + count, to,
+                     [&](double d) { return exponential(-(exponent * (d * d))); });
       return to;
     };
     for (auto& [exponent, term] : *gaussians) {
@@ -292,10 +297,11 @@ class Builder {
     }
     for (unsigned c = 0; c < plan.chunk_count; ++c) {
       const unsigned first = c * count / plan.chunk_count, end = (c + 1) * count / plan.chunk_count;
-      tables_.chunks.push_back(
-          {end - first, (end - first + kernel_.tile_orbitals - 1) / kernel_.tile_orbitals,
-           tables_.coefficients.data() + c * size, has_bounds ? tables_.magnitudes.data() + c * size : nullptr,
-           tables_.energy_magnitudes.data() + first});
+      tables_.chunks.push_back({end - first,
+                                (end - first + kernel_.tile_orbitals - 1) / kernel_.tile_orbitals,
+                                tables_.coefficients.data() + c * size,
+                                has_bounds ? tables_.magnitudes.data() + c * size : nullptr,
+                                tables_.energy_magnitudes.data() + first});
     }
     plan.chunks = tables_.chunks.data();
     return true;
@@ -327,8 +333,8 @@ class Builder {
     }
   }
 
-  // Of a function's coefficients: the length of their vector over all orbitals, without and with the weights of the
-  // potential; for orbitals of their own, the largest magnitude and nothing.
+  // Of a function's coefficients: the length of their vector over all orbitals, without and with the weights
+  // of the potential; for orbitals of their own, the largest magnitude and nothing.
   void find_norms(unsigned function, double (&norms)[2]) const {
     double largest = 0.0, squares = norm_square_min, weighted_squares = norm_square_min;
     for (std::size_t o = 0; o < orbitals_.size(); ++o) {
@@ -361,12 +367,14 @@ class Builder {
   }
 
   // What a term comes to at most, its exponential aside, where the offsets are at most so large.
-  double magnitude(const RowRadial& radial, const RowTerm& term, double across, double along, unsigned norm) const {
+  double magnitude(const RowRadial& radial, const RowTerm& term, double across, double along,
+                   unsigned norm) const {
     double sum = 0.0;
     for (unsigned power = 0; power <= radial.power_max; ++power) {
       for (unsigned m = radial.monomials[power]; m < radial.monomials[power + 1]; ++m) {
         const RowMonomial& monomial = tables_.monomials[m];
-        sum += monomial.norms[norm] * std::pow(across, monomial.across / row_powers + monomial.across % row_powers) *
+        sum += monomial.norms[norm] *
+               std::pow(across, monomial.across / row_powers + monomial.across % row_powers) *
                std::pow(along, power);
       }
     }
@@ -379,8 +387,8 @@ class Builder {
     const double along = std::sqrt(0.75 / term.exponent);
     const auto share = [&](double distance2) {
       const double across = std::sqrt(distance2);
-      return std::exp(-term.exponent * distance2) * std::max(magnitude(radial, term, across, along, 0),
-                                                             magnitude(radial, term, across, along, 1));
+      return std::exp(-term.exponent * distance2) *
+             std::max(magnitude(radial, term, across, along, 0), magnitude(radial, term, across, along, 1));
     };
     // From an argument of 4 on it falls.
     double distance2 = 4.0 / term.exponent;

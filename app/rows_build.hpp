@@ -24,9 +24,9 @@ struct RowTables {
   std::vector<double> energy_magnitudes;
 };
 
-/// Makes the plan. Null if the exact sweep must do it all: the steps of the grid do not lie along the axes, its
-/// rows are short or so long that the tables of their Gaussians would fill the memory, there are no orbitals, or a
-/// number is too large, too small or undefined for the bound to hold.
+/// Makes the plan. Null if the exact sweep must do it all: the steps of the grid do not lie along the axes,
+/// its rows are short or so long that the tables of their Gaussians would fill the memory, there are no
+/// orbitals, or a number is too large, too small or undefined for the bound to hold.
 std::unique_ptr<RowTables> rows_build(const Molecule* molecule, const CubeDefinition* cube,
                                       const RowKernel& kernel, SweepField field,
                                       std::span<const Orbital* const> orbitals);

@@ -8,7 +8,8 @@
 #include "rows_plan.hpp"
 
 // The sweep over a piece of a row, for one type of pack. Included once by the translation unit of each
-// instruction set, with a pack type of an unnamed namespace. Sums may be fused here: the bound holds either way.
+// instruction set, with a pack type of an unnamed namespace. Sums may be fused here: the bound holds either
+// way.
 
 /// One pass over a piece of a row. A tile is `TilePacks` packs wide; its orbital sums are formed for up to
 /// `TileOrbitals` orbitals at once, so that the sums stay in registers.
@@ -88,10 +89,11 @@ class RowPass {
     double* const weights = piece_.weights + radial.first_term + first_term;
     const unsigned term_count = radial.term_count - first_term;
     for (unsigned t = 0; t < term_count; ++t) {
-      weights[t] = terms[t].weight * terms[t].across[0][piece_.across[0]] *
-                   terms[t].across[1][piece_.across[1]];
+      weights[t] =
+          terms[t].weight * terms[t].across[0][piece_.across[0]] * terms[t].across[1][piece_.across[1]];
     }
-    in_reach_[in_reach_count_++] = {.radial = number, .first_term = first_term, .first_tile = 0, .end_tile = 0};
+    in_reach_[in_reach_count_++] = {
+        .radial = number, .first_term = first_term, .first_tile = 0, .end_tile = 0};
     Real shares[2][tile_packs] = {};
     const unsigned packs = (piece_.tile_count + Real::lanes - 1) / Real::lanes;
     for (unsigned power = 0; power <= radial.power_max; ++power) {
@@ -174,8 +176,8 @@ class RowPass {
     return piece_.values + std::size_t{tile} * plan_.function_count * tile_points;
   }
 
-  // The row functions of the radials in use. Most radials have few terms: with their number known when compiled,
-  // their sums need no loop.
+  // The row functions of the radials in use. Most radials have few terms: with their number known when
+  // compiled, their sums need no loop.
   void evaluate_functions() const {
     for (unsigned n = 0; n < in_reach_count_; ++n) {
       const RowUse& use = in_reach_[n];
@@ -249,8 +251,8 @@ class RowPass {
                      Product product) const {
     Real sum = 0.0;
     for (unsigned m = radial.monomials[power]; m < radial.monomials[power + 1]; ++m) {
-      sum = sum + product(plan_.monomials[m].across) *
-                      Real::load(coefficients + std::size_t{m} * plan_.stride);
+      sum =
+          sum + product(plan_.monomials[m].across) * Real::load(coefficients + std::size_t{m} * plan_.stride);
     }
     return sum;
   }
@@ -342,7 +344,7 @@ class RowPass {
   const RowPiece& piece_;
   Real totals_[2][tile_packs] = {};
   double rounding_[piece_tiles], left_out_[2][piece_tiles], bounds_[2][piece_tiles];
-  RowUse* const in_reach_;       // the radials in reach, then those in use
+  RowUse* const in_reach_;  // the radials in reach, then those in use
   unsigned in_reach_count_ = 0;
   unsigned function_counts_[piece_tiles] = {};
   OccupiedSums<Real> sums_[piece_tiles][TilePacks];

@@ -9,10 +9,10 @@
 //   row       the points of the grid that differ in the third index only: one coordinate, "along", changes
 //   across    the two other coordinates; they belong to the row
 //   piece     so much of a row as a kernel takes at once
-//   radial    a sum of Gaussians of a centre, Σ w exp(-α r²), shared by all functions that are multiples of it
-//   monomial  what functions of a radial are made of: the radial times powers of the three offsets
-//   power     of the offset along the row
-//   row function  a radial times a power. In a row each orbital is a sum over these; its coefficients are those
+//   radial    a sum of Gaussians of a centre, Σ w exp(-α r²), shared by all functions that are multiples of
+//   it monomial  what functions of a radial are made of: the radial times powers of the three offsets power
+//   of the offset along the row row function  a radial times a power. In a row each orbital is a sum over
+//   these; its coefficients are those
 //             of all monomials of the power, times the powers of the offsets across, added up: collapsed
 
 inline constexpr unsigned row_powers = 5;  // 0 to 4, the highest angular momentum
@@ -35,9 +35,9 @@ struct RowMonomial {
 /// Terms are in the order of their reach.
 struct RowRadial {
   unsigned atom, term_count, first_term, power_max;
-  unsigned basis_count;                  // basis functions that are multiples of it
-  unsigned first_function;               // its row functions, by their power, follow each other
-  unsigned monomials[row_powers + 1];    // those of a power: from its number on up to the next
+  unsigned basis_count;                // basis functions that are multiples of it
+  unsigned first_function;             // its row functions, by their power, follow each other
+  unsigned monomials[row_powers + 1];  // those of a power: from its number on up to the next
 };
 
 /// Offsets of the points from a centre, bohr.
@@ -83,24 +83,24 @@ struct RowPiece {
   double *fields, *tolerances;
   std::size_t stride;
   // Working memory, on 64-byte boundaries.
-  double* weights;        // [term]: times the factors across
-  double* products;       // [atom][first power][second power]: of the offsets across
-  double* peaks;          // [row function][tile]: no value of the function is larger in magnitude
-  double* shares;         // [radial][norm][tile]: at most so much comes from the radial
-  RowUse* uses;           // [radial]
-  unsigned* functions;    // [tile][...]: the row functions that are not left out
-  double* values;         // [tile][row function][point of the tile]
-  double* coefficients;   // [row function][orbital]: collapsed
-  double* orbital_bounds; // [tile][orbital]
+  double* weights;         // [term]: times the factors across
+  double* products;        // [atom][first power][second power]: of the offsets across
+  double* peaks;           // [row function][tile]: no value of the function is larger in magnitude
+  double* shares;          // [radial][norm][tile]: at most so much comes from the radial
+  RowUse* uses;            // [radial]
+  unsigned* functions;     // [tile][...]: the row functions that are not left out
+  double* values;          // [tile][row function][point of the tile]
+  double* coefficients;    // [row function][orbital]: collapsed
+  double* orbital_bounds;  // [tile][orbital]
 };
 
 /// A kernel for one instruction set.
 struct RowKernel {
-  const char* name;           // that of the exact sweep's kernel
-  bool (*is_supported)();     // by the processor at hand
+  const char* name;        // that of the exact sweep's kernel
+  bool (*is_supported)();  // by the processor at hand
   unsigned lanes, tile_points;
-  unsigned tile_orbitals;     // at most so many orbitals together
-  unsigned piece_tiles;       // at most so many tiles in a piece
+  unsigned tile_orbitals;  // at most so many orbitals together
+  unsigned piece_tiles;    // at most so many tiles in a piece
   void (*run)(const RowPlan& plan, const RowPiece& piece);
 };
 

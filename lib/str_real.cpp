@@ -117,8 +117,8 @@ void put_rare(double value, char* text) {
   std::memcpy(text + str_scientific_width - length, buffer, length);
 }
 
-// Writes the text of a number that is neither 0 nor infinite nor NaN, unless a tie between two texts is within
-// `margin` of it, in units of 2^-64 of the number at least. What the routine itself cuts off needs a margin of 2.
+// Writes the text of a number that is neither 0 nor infinite nor NaN, unless a tie of two texts may lie
+// within `margin` units of it, of which the number has between 2^62 and 2^64.
 bool put_unless_tied(double value, std::uint64_t margin, char* text) {
   const auto bits = std::bit_cast<std::uint64_t>(value);
   const bool negative = (bits >> 63) != 0;
@@ -155,7 +155,7 @@ bool put_unless_tied(double value, std::uint64_t margin, char* text) {
   return true;
 }
 
-// What put_unless_tied cuts off.
+// What put_unless_tied itself cuts off is less.
 constexpr std::uint64_t cut_off = 2;
 
 }  // namespace

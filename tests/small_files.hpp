@@ -244,3 +244,19 @@ inline void expect_cuts_rejected(ReadInput read, const std::string& text, std::s
   };
   EXPECT_EXIT(read_cuts(), testing::ExitedWithCode(0), testing::Eq(""));
 }
+
+/// Shells of every kind, with heads that fade at different distances, an order that does not, and a function
+/// without primitives. Some energies are positive.
+inline SmallFchk every_shell(const std::string& method) {
+  SmallFchk fields = {.method = method, .electrons = 15, .alpha_electrons = 8, .beta_electrons = 5};
+  for (const int type : {0, 1, 2, 3, 4, -2, -3, -4}) {
+    if (type >= 0 || method[0] == 'U') {
+      fields.shells.push_back({type, 1, {800.0, 90.0, 7.0, 0.9}, {0.1, -0.2, 0.5, 0.25}, {}});
+      fields.shells.push_back({type, 2, {0.4, 30.0, 3.0}, {0.5, 0.125, 1e-9}, {}});
+    }
+  }
+  fields.shells.push_back({0, 2, {}, {}, {}});
+  fields.coefficient = [](unsigned i, unsigned j) { return std::sin(1.0 + i + 0.7 * j * (i + 1)); };
+  fields.energy = [](unsigned i) { return i % 3 == 1 ? 0.25 : -0.5 - i; };
+  return fields;
+}

@@ -27,6 +27,7 @@
 #include <vector>
 
 #include "setup.hpp"
+#include "sweep.hpp"
 #include "text.hpp"
 
 // Helpers of all tests, and the standard headers that nearly all of them need.
@@ -82,6 +83,19 @@ inline int next_descriptor() {
   const int descriptor = dup(STDIN_FILENO);
   close(descriptor);
   return descriptor;
+}
+
+/// Calls `use` once for every kernel that this processor has, which is then the one of the program.
+template <class Use>
+void with_every_kernel(Use use) {
+  for (const SweepKernel* kernel : sweep_kernels()) {
+    if (kernel->is_supported()) {
+      SCOPED_TRACE(kernel->name);
+      setenv("ORVA_KERNEL", kernel->name, 1);
+      use(kernel->name);
+    }
+  }
+  unsetenv("ORVA_KERNEL");
 }
 
 /// A new directory, removed with all that is in it at the end of its scope.

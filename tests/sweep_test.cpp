@@ -11,35 +11,6 @@
 
 namespace {
 
-// Calls `use` once for every kernel that this processor has, which is then the one of the program.
-template <class Use>
-void with_every_kernel(Use use) {
-  for (const SweepKernel* kernel : sweep_kernels()) {
-    if (kernel->is_supported()) {
-      SCOPED_TRACE(kernel->name);
-      setenv("ORVA_KERNEL", kernel->name, 1);
-      use(kernel->name);
-    }
-  }
-  unsetenv("ORVA_KERNEL");
-}
-
-// Shells of every kind, with heads that fade at different distances, an order that does not, and a function
-// without primitives. Some energies are positive.
-SmallFchk every_shell(const std::string& method) {
-  SmallFchk fields = {.method = method, .electrons = 15, .alpha_electrons = 8, .beta_electrons = 5};
-  for (const int type : {0, 1, 2, 3, 4, -2, -3, -4}) {
-    if (type >= 0 || method[0] == 'U') {
-      fields.shells.push_back({type, 1, {800.0, 90.0, 7.0, 0.9}, {0.1, -0.2, 0.5, 0.25}, {}});
-      fields.shells.push_back({type, 2, {0.4, 30.0, 3.0}, {0.5, 0.125, 1e-9}, {}});
-    }
-  }
-  fields.shells.push_back({0, 2, {}, {}, {}});
-  fields.coefficient = [](unsigned i, unsigned j) { return std::sin(1.0 + i + 0.7 * j * (i + 1)); };
-  fields.energy = [](unsigned i) { return i % 3 == 1 ? 0.25 : -0.5 - i; };
-  return fields;
-}
-
 const CubeDefinition grids[] = {
     {{5, 3, 19}, {{-3, -2, -4}}, {{1.1, 0.2, -0.1}, {0.3, 1.5, 0.2}, {0.05, -0.1, 0.4}}},
     {{2, 3, 3}, {{-1, -1, 0}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}},
@@ -48,6 +19,10 @@ const CubeDefinition grids[] = {
     {{2, 1, 12}, {{0, 0, 0}}, {{1e155, 0, 0}, {0, 0, 0}, {0, 1e154, 1e-300}}},  // beyond all reason
     {{2, 2, 2}, {{0, 0, 0}}, {{0, 0, 1e16}, {0, 0, -1e16}, {0, 0, 1}}},         // of which the order counts
     {{1, 1, 2}, {{std::nan(""), 0, 0}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 30}}},
+    {{3, 4, 21}, {{-3, -2, -4}}, {{1.1, 0, 0}, {0, 0.9, 0}, {0, 0, 0.4}}},  // along z, x and y
+    {{4, 3, 131}, {{-2, -2, -1}}, {{0, -0.6, 0}, {0, 0, 1.2}, {0.04, 0, 0}}},
+    {{2, 5, 16}, {{-1, 3, -3}}, {{0, 0, 2.5}, {0.8, 0, 0}, {0, -0.5, 0}}},
+    {{2, 2, 40}, {{0, 0, -50}}, {{0, 0, 0}, {0, 3, 0}, {0, 0, 2.5}}},  // from where all is 0 and back
     {{0, 4, 4}, {}, {}},
     {{4, 0, 4}, {}, {}},
     {{4, 4, 0}, {}, {}},
@@ -78,19 +53,36 @@ void expect_every_bit(const Molecule& molecule, const std::vector<CubeDefinition
     ones[b * n + b] = 1.0;
     orbitals[b] = {0.0, &ones[b * n]};
   }
+  std::vector<const Orbital*> list(n);
+  std::ranges::transform(orbitals, list.begin(), [](const Orbital& orbital) { return &orbital; });
   for (const CubeDefinition& cube : cubes) {
     with_every_kernel([&](const char*) {
-      OrbitalValues values = comp_orbital_alloc(&cube, n, n);
-      comp_orbital_values(&molecule, &cube, orbitals.data(), n, &values);
-      std::size_t place = 0;
-      for_each_point(cube, [&](const double* point, unsigned) {
-        eval_bfce_vec(&molecule, point, functions.data());
-        for (unsigned b = 0; b < n; ++b) {
-          ASSERT_EQ(pattern(values.of(b)[place]), pattern(eval_mo(&orbitals[b], functions.data(), n)))
-              << b << " at point " << place;
+      Sweep sweep(&molecule, sweep_choose_kernel(), SweepField::orbital, list, cube_extent(&cube));
+      std::vector<double> points(3 * sweep.block_points());
+      unsigned count = 0;
+      const auto check = [&] {
+        sweep.run(count, points.data());
+        for (unsigned p = 0, end = std::exchange(count, 0U); p < end; ++p) {
+          const double point[] = {points[p], points[p + sweep.block_points()],
+                                  points[p + 2 * sweep.block_points()]};
+          eval_bfce_vec(&molecule, point, functions.data());
+          for (unsigned b = 0; b < n; ++b) {
+            ASSERT_EQ(pattern(sweep.field(b)[p]), pattern(eval_mo(&orbitals[b], functions.data(), n)))
+                << b << " at " << point[0] << ' ' << point[1] << ' ' << point[2];
+          }
         }
-        ++place;
+      };
+      for_each_point(cube, [&](const double* point, unsigned) {
+        for (unsigned c = 0; c < 3; ++c) {
+          points[c * sweep.block_points() + count] = point[c];
+        }
+        if (++count == sweep.block_points()) {
+          check();
+        }
       });
+      if (count > 0) {
+        check();
+      }
     });
   }
 }
@@ -208,11 +200,43 @@ TEST(Sweep, GivesEveryBitInWhateverOrderTheFunctionsStand) {
 
 TEST(Sweep, MemoryLimitsTheOrbitalsOfABlock) {
   const std::tuple<std::array<unsigned, 3>, unsigned, unsigned> rows[] = {
-      {{80, 80, 80}, 0, 16},    {{400, 400, 400}, 0, 0},        {{200, 200, 200}, 0, 0}, {{0, 9, 9}, 9, 900},
-      {{1, 1, 1}, 1U << 20, 7}, {{1, 1, 1}, (1U << 22) - 1, 2}, {{1, 1, 1}, 1U << 22, 0}};
+      {{80, 80, 80}, 0, 9},          {{400, 400, 400}, 0, 0},  {{200, 200, 200}, 0, 0},
+      {{0, 9, 9}, 9, 900},           {{1, 1, 1}, 1U << 20, 7}, {{1, 1, 1}, (1U << 22) - 2, 2},
+      {{1, 1, 1}, (1U << 22) - 1, 0}};
   for (const auto& [npoints, basis_count, orbital_count] : rows) {
     const CubeDefinition shape = {{npoints[0], npoints[1], npoints[2]}, {}, {}};
     EXPECT_EQ(comp_orbital_alloc(&shape, 900, basis_count).orbital_count, orbital_count) << basis_count;
+  }
+}
+
+TEST(ScientificText, IsSureWhereTheWholeToleranceHasOneText) {
+  std::mt19937_64 random(6);
+  char text[str_scientific_width + 1] = {};
+  unsigned sure_count = 0;
+  for (int i = 0; i < 300000; ++i) {
+    const double digits = 100000.5 + static_cast<double>(random() % 900000);
+    const double tolerance = std::pow(10.0, -7.001 - static_cast<double>(random() % 8));
+    const double offset = 3.0 * tolerance * (static_cast<double>(random() % 2001) / 1000.0 - 1.0);
+    const double value = (random() % 2 == 0 ? 1.0 : -1.0) * digits * (1.0 + offset) *
+                         std::pow(10.0, static_cast<int>(random() % 40) - 20);
+    const auto around = [&](double share) {
+      return formatted("%13.5e", value * (1.0 - share * tolerance)) ==
+             formatted("%13.5e", value * (1.0 + share * tolerance));
+    };
+    if (str_scientific_sure(value, tolerance, text)) {
+      ++sure_count;
+      ASSERT_TRUE(around(1.0)) << formatted("%a", value) << formatted(" %a", tolerance);
+      ASSERT_EQ(text, formatted("%13.5e", value));
+    } else {
+      ASSERT_FALSE(around(4.5)) << formatted("%a", value) << formatted(" %a", tolerance);
+    }
+  }
+  EXPECT_GT(sure_count, 100000U);
+  const double inf = HUGE_VAL, nan = std::nan("");
+  const std::pair<double, double> rows[] = {{1.5e-251, 0.0}, {0.0, 0.0}, {inf, 0.0}, {nan, 0.0},
+                                            {1.5, 1.1e-7},   {1.5, inf}, {1.5, nan}};
+  for (const auto& [value, tolerance] : rows) {
+    EXPECT_FALSE(str_scientific_sure(value, tolerance, text)) << value << ' ' << tolerance;
   }
 }
 

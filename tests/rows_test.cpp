@@ -1,0 +1,211 @@
+#include "rows.hpp"
+
+#include "comp.hpp"
+#include "eval.hpp"
+#include "fcheck.hpp"
+#include "occupation.hpp"
+#include "small_files.hpp"
+
+namespace {
+
+using Orbitals = std::vector<const Orbital*>;
+
+Orbitals occupied(const Molecule& molecule) {
+  Orbitals orbitals;
+  for (const auto& [first, count] : occupation_of(&molecule).spin) {
+    for (unsigned i = 0; i < count; ++i) {
+      orbitals.push_back(first + i);
+    }
+  }
+  return orbitals;
+}
+
+std::unique_ptr<RowSweep> make_rows(const Molecule& molecule, const CubeDefinition& cube, SweepField field,
+                                    const Orbitals& orbitals) {
+  return RowSweep::make(&molecule, &cube, sweep_choose_kernel(), field, orbitals);
+}
+
+// The values that the functions for one point give, in the order of the fields.
+Numbers exact_values(const Molecule& molecule, const double* point, SweepField field,
+                     const Orbitals& orbitals) {
+  const unsigned n = molecule.basis_count;
+  Numbers functions(n), values(2);
+  eval_bfce_vec(&molecule, point, functions.data());
+  if (field == SweepField::density_and_potential) {
+    eval_orva(&molecule, functions.data(), &values[0], &values[1]);
+    return values;
+  }
+  values.clear();
+  for (const Orbital* orbital : orbitals) {
+    values.push_back(field == SweepField::orbital ? eval_mo(orbital, functions.data(), n)
+                                                  : eval_mo_den(orbital, functions.data(), n));
+  }
+  return values;
+}
+
+struct Found {
+  unsigned known = 0, unknown = 0, other_text = 0;
+};
+
+// No value may lie farther from the exact one than its tolerance tells.
+void expect_within_tolerance(const Molecule& molecule, const CubeDefinition& cube, SweepField field,
+                             const Orbitals& orbitals, Found* found) {
+  const auto rows = make_rows(molecule, cube, field, orbitals);
+  ASSERT_NE(rows, nullptr);
+  for_each_point(cube, [&, row = 0U](const double* point, unsigned k) mutable {
+    if (k == 0) {
+      rows->run(row / cube.npoints[1], row % cube.npoints[1]);
+      ++row;
+    }
+    const Numbers exact = exact_values(molecule, point, field, orbitals);
+    for (std::size_t f = 0; f < exact.size(); ++f) {
+      const double value = rows->field(f)[k], tolerance = rows->tolerances(f)[k];
+      if (tolerance < 1e-7) {
+        ASSERT_LE(std::fabs(value - exact[f]), tolerance * std::fabs(value))
+            << "field " << f << " at " << point[0] << ' ' << point[1] << ' ' << point[2];
+      }
+      ++(tolerance < 1e-7 ? found->known : found->unknown);
+      found->other_text += formatted("%13.5e", value) != formatted("%13.5e", exact[f]) ? 1 : 0;
+    }
+  });
+}
+
+void expect_all_within_tolerance(const Molecule& molecule, const CubeDefinition& cube, Found* found) {
+  Orbitals all;
+  for (unsigned i = 0; i < molecule.basis_count; ++i) {
+    all.push_back(&molecule.alpha_orbitals[i]);
+  }
+  expect_within_tolerance(molecule, cube, SweepField::density_and_potential, occupied(molecule), found);
+  expect_within_tolerance(molecule, cube, SweepField::orbital, all, found);
+  expect_within_tolerance(molecule, cube, SweepField::orbital, {all[2]}, found);
+  expect_within_tolerance(molecule, cube, SweepField::orbital_density, {all[0], all[1]}, found);
+}
+
+// Shells with exponents of ten decades, contractions that cancel, and orbitals with nodes everywhere.
+SmallFchk strained(std::mt19937_64& random) {
+  const auto number = [&] { return std::uniform_real_distribution(-1.0, 1.0)(random); };
+  const auto exponent = [&] { return std::pow(10.0, 1.5 + 4.5 * number()); };
+  SmallFchk fields = {.electrons = 8};
+  fields.atoms.push_back({6, {number(), number(), 2.0 * number()}});
+  const int types[] = {0, 1, 2, 3, 4, -2, -3, -4};
+  for (int i = 0; i < 10; ++i) {
+    const double a = exponent(), c = number();
+    const unsigned atom = 1 + static_cast<unsigned>(random() % 3);
+    const int type = types[random() % 8];
+    fields.shells.push_back({type, atom, {a, exponent(), exponent()}, {c, number(), number()}, {}});
+    fields.shells.push_back({type, atom, {a, a * (1.0 + 1e-7)}, {c, -c}, {}});
+    fields.shells.push_back({type, atom, {std::pow(10.0, number())}, {number()}, {}});
+  }
+  fields.coefficient = [seed = random()](unsigned i, unsigned j) {
+    std::mt19937_64 generator(seed + 1000 * i + j);
+    return std::uniform_real_distribution(-1.0, 1.0)(generator);
+  };
+  return fields;
+}
+
+CubeDefinition random_grid(std::mt19937_64& random) {
+  const auto number = [&] { return std::uniform_real_distribution(-1.0, 1.0)(random); };
+  CubeDefinition cube = {{2, 2, 16 + static_cast<unsigned>(random() % 150)},
+                         {{3.0 * number(), 3.0 * number(), 3.0 * number()}},
+                         {}};
+  const std::size_t first = random() % 3, turn = 1 + random() % 2;
+  for (unsigned axis = 0; axis < 3; ++axis) {
+    cube.vectors[axis][(first + axis * turn) % 3] = axis < 2 ? 2.0 * number() : 0.1 * number() + 0.11;
+  }
+  return cube;
+}
+
+}  // namespace
+
+TEST(Rows, KeepWithinTheirTolerance) {
+  std::mt19937_64 random(11);
+  Found found;
+  for (int trial = 0; trial < 8; ++trial) {
+    const auto molecule = read_text(fcheck_read, fchk_text(strained(random)));
+    const CubeDefinition cube = random_grid(random);
+    with_every_kernel([&](const char*) { expect_all_within_tolerance(*molecule, cube, &found); });
+  }
+  EXPECT_GT(found.known, 5 * found.unknown);
+}
+
+// Many functions, each just too small to be kept, which together are more than all rounding.
+TEST(Rows, CountWhatTheyLeaveOut) {
+  SmallFchk fields;
+  for (unsigned i = 0; i < 300; ++i) {
+    fields.shells.push_back({0, 1, {1.0 + 0.001 * i}, {1.0}, {}});
+  }
+  for (const double small : {1e-14, 2e-14, 3e-15}) {
+    fields.coefficient = [&](unsigned, unsigned j) { return j < 5 ? 1.0 : small; };
+    const auto molecule = read_text(fcheck_read, fchk_text(fields));
+    const CubeDefinition cube = {{1, 1, 40}, {{0.1, 0.2, -2}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.1}}};
+    with_every_kernel([&](const char*) {
+      Found found;
+      expect_within_tolerance(*molecule, cube, SweepField::density_and_potential, occupied(*molecule),
+                              &found);
+      expect_within_tolerance(*molecule, cube, SweepField::orbital, {molecule->alpha_orbitals}, &found);
+      EXPECT_EQ(found.unknown, 0U);
+    });
+  }
+}
+
+// A point of each grid is made to have a density, or an orbital a value, that is a tie of two texts.
+TEST(Rows, LeaveTiesToTheExactSweep) {
+  std::mt19937_64 random(12);
+  Found found;
+  for (int trial = 0; trial < 40; ++trial) {
+    SmallFchk fields = strained(random);
+    CubeDefinition cube = random_grid(random);
+    std::ranges::copy(std::array{1U, 1U, 16U}, cube.npoints);
+    const std::int16_t code = trial % 2 == 0 ? field_density_and_potential : field_alpha_orbital;
+    double factor = 1.0;
+    const auto made_up = fields.coefficient;
+    fields.coefficient = [&](unsigned i, unsigned j) { return factor * made_up(i, j); };
+    const auto before = read_text(fcheck_read, fchk_text(fields));
+    const bool is_density = code == field_density_and_potential;
+    const SweepField field = is_density ? SweepField::density_and_potential : SweepField::orbital;
+    const auto orbitals = [&](const Molecule& of) {
+      return is_density ? occupied(of) : Orbitals{of.alpha_orbitals};
+    };
+    const double value = exact_values(*before, cube.points[0], field, orbitals(*before))[0];
+    const double unit = std::pow(10.0, std::floor(std::log10(std::fabs(value))) - 5.0);
+    const double tie = (std::floor(value / unit) + 0.5) * unit;
+    factor = is_density ? std::sqrt(tie / value) : tie / value;
+    const auto molecule = read_text(fcheck_read, fchk_text(fields));
+    with_every_kernel([&](const char*) {
+      EXPECT_EQ(text_of_sweep(*molecule, cube, code, 1), text_of_points(*molecule, cube, code, 1));
+      expect_within_tolerance(*molecule, cube, field, orbitals(*molecule), &found);
+    });
+  }
+  EXPECT_GT(found.other_text, 5U) << "no tie was hard enough";
+}
+
+TEST(Rows, LeaveWhatIsOutOfTheOrdinaryToTheExactSweep) {
+  const CubeDefinition good = {{2, 2, 16}, {{0, 0, 0}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.5}}};
+  const auto is_taken = [](const SmallFchk& fields, const CubeDefinition& cube) {
+    const auto molecule = read_text(fcheck_read, fchk_text(fields));
+    return make_rows(*molecule, cube, SweepField::density_and_potential, occupied(*molecule)) != nullptr;
+  };
+  EXPECT_TRUE(is_taken({}, good));
+  for (const double exponent : {0.0, -1.0, 1e-9, 1e11, HUGE_VAL, std::nan("")}) {
+    EXPECT_FALSE(is_taken({.shells = {{1, 1, {1.0, exponent}, {1.0, 1.0}, {}}}}, good)) << exponent;
+  }
+  for (const double number : {1e31, -1e300, HUGE_VAL, std::nan("")}) {
+    EXPECT_FALSE(is_taken({.shells = {{1, 1, {1.0}, {number}, {}}}}, good)) << number;
+    EXPECT_FALSE(
+        is_taken({.coefficient = [&](unsigned, unsigned j) { return j == 2 ? number : 0.5; }}, good));
+    EXPECT_FALSE(is_taken({.energy = [&](unsigned) { return number; }}, good)) << number;
+  }
+  EXPECT_FALSE(is_taken({.electrons = 1}, good)) << "nothing is occupied";
+  const std::pair<const char*, CubeDefinition> grids[] = {
+      {"short", {{2, 2, 15}, {}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.5}}}},
+      {"askew", {{2, 2, 16}, {}, {{1, 0, 0}, {0, 1, 0}, {0, 0.1, 0.5}}}},
+      {"two steps along z", {{2, 2, 16}, {}, {{0, 0, 2}, {0, 1, 0}, {0, 0, 0.5}}}},
+      {"two steps along x", {{2, 2, 16}, {}, {{2, 0, 0}, {1, 0, 0}, {0, 0, 0.5}}}},
+      {"no step", {{2, 2, 16}, {}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0}}}},
+      {"far away", {{2, 2, 16}, {{0, 1e6, 0}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.5}}}},
+      {"nowhere", {{2, 2, 16}, {{0, 0, std::nan("")}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.5}}}},
+      {"too long", {{1, 1, 3000000}, {}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 1e-5}}}}};
+  for (const auto& [name, cube] : grids) {
+    EXPECT_FALSE(is_taken({}, cube)) << name;
+  }
+}
