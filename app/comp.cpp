@@ -71,16 +71,6 @@ class GridWalk {
   bool is_at_end_;
 };
 
-std::vector<const Orbital*> occupied_orbitals(const Molecule* molecule) {
-  std::vector<const Orbital*> orbitals;
-  for (const OccupiedOrbitals& spin : occupation_of(molecule).spin) {
-    for (unsigned i = 0; i < spin.count; ++i) {
-      orbitals.push_back(&spin.orbitals[i]);
-    }
-  }
-  return orbitals;
-}
-
 // A text, and the number of the field whose values it gets.
 struct FieldText {
   CubeText* text;

@@ -10,3 +10,13 @@ Occupation occupation_of(const Molecule* molecule) {
           {{molecule->alpha_orbitals, molecule->alpha_electron_count},
            {molecule->beta_orbitals, molecule->beta_electron_count}}};
 }
+
+std::vector<const Orbital*> occupied_orbitals(const Molecule* molecule) {
+  std::vector<const Orbital*> orbitals;
+  for (const OccupiedOrbitals& spin : occupation_of(molecule).spin) {
+    for (unsigned i = 0; i < spin.count; ++i) {
+      orbitals.push_back(&spin.orbitals[i]);
+    }
+  }
+  return orbitals;
+}

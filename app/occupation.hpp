@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "memory.hpp"
 
 /// Occupied orbitals of one spin: the first `count`, in stored order.
@@ -17,3 +19,6 @@ struct Occupation {
   bool has_no_pairs() const { return is_restricted && spin[0].count == 0; }
 };
 Occupation occupation_of(const Molecule* molecule);
+
+/// All occupied orbitals, alpha before beta.
+std::vector<const Orbital*> occupied_orbitals(const Molecule* molecule);

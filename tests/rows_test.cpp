@@ -10,16 +10,6 @@ namespace {
 
 using Orbitals = std::vector<const Orbital*>;
 
-Orbitals occupied(const Molecule& molecule) {
-  Orbitals orbitals;
-  for (const auto& [first, count] : occupation_of(&molecule).spin) {
-    for (unsigned i = 0; i < count; ++i) {
-      orbitals.push_back(first + i);
-    }
-  }
-  return orbitals;
-}
-
 std::unique_ptr<RowSweep> make_rows(const Molecule& molecule, const CubeDefinition& cube, SweepField field,
                                     const Orbitals& orbitals) {
   return RowSweep::make(&molecule, &cube, sweep_choose_kernel(), field, orbitals);
@@ -70,17 +60,6 @@ void expect_within_tolerance(const Molecule& molecule, const CubeDefinition& cub
   });
 }
 
-void expect_all_within_tolerance(const Molecule& molecule, const CubeDefinition& cube, Found* found) {
-  Orbitals all;
-  for (unsigned i = 0; i < molecule.basis_count; ++i) {
-    all.push_back(&molecule.alpha_orbitals[i]);
-  }
-  expect_within_tolerance(molecule, cube, SweepField::density_and_potential, occupied(molecule), found);
-  expect_within_tolerance(molecule, cube, SweepField::orbital, all, found);
-  expect_within_tolerance(molecule, cube, SweepField::orbital, {all[2]}, found);
-  expect_within_tolerance(molecule, cube, SweepField::orbital_density, {all[0], all[1]}, found);
-}
-
 // Shells with exponents of ten decades, contractions that cancel, and orbitals with nodes everywhere.
 SmallFchk strained(std::mt19937_64& random) {
   const auto number = [&] { return std::uniform_real_distribution(-1.0, 1.0)(random); };
@@ -123,7 +102,17 @@ TEST(Rows, KeepWithinTheirTolerance) {
   for (int trial = 0; trial < 8; ++trial) {
     const auto molecule = read_text(fcheck_read, fchk_text(strained(random)));
     const CubeDefinition cube = random_grid(random);
-    with_every_kernel([&](const char*) { expect_all_within_tolerance(*molecule, cube, &found); });
+    Orbitals all(molecule->basis_count);
+    std::ranges::generate(all, [orbital = molecule->alpha_orbitals]() mutable { return orbital++; });
+    with_every_kernel([&](const char*) {
+      const auto expect = [&](SweepField field, const Orbitals& orbitals) {
+        expect_within_tolerance(*molecule, cube, field, orbitals, &found);
+      };
+      expect(SweepField::density_and_potential, occupied_orbitals(molecule.get()));
+      expect(SweepField::orbital, all);
+      expect(SweepField::orbital, {all[2]});
+      expect(SweepField::orbital_density, {all[0], all[1]});
+    });
   }
   EXPECT_GT(found.known, 5 * found.unknown);
 }
@@ -140,8 +129,8 @@ TEST(Rows, CountWhatTheyLeaveOut) {
     const CubeDefinition cube = {{1, 1, 40}, {{0.1, 0.2, -2}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.1}}};
     with_every_kernel([&](const char*) {
       Found found;
-      expect_within_tolerance(*molecule, cube, SweepField::density_and_potential, occupied(*molecule),
-                              &found);
+      expect_within_tolerance(*molecule, cube, SweepField::density_and_potential,
+                              occupied_orbitals(molecule.get()), &found);
       expect_within_tolerance(*molecule, cube, SweepField::orbital, {molecule->alpha_orbitals}, &found);
       EXPECT_EQ(found.unknown, 0U);
     });
@@ -164,7 +153,7 @@ TEST(Rows, LeaveTiesToTheExactSweep) {
     const bool is_density = code == field_density_and_potential;
     const SweepField field = is_density ? SweepField::density_and_potential : SweepField::orbital;
     const auto orbitals = [&](const Molecule& of) {
-      return is_density ? occupied(of) : Orbitals{of.alpha_orbitals};
+      return is_density ? occupied_orbitals(&of) : Orbitals{of.alpha_orbitals};
     };
     const double value = exact_values(*before, cube.points[0], field, orbitals(*before))[0];
     const double unit = std::pow(10.0, std::floor(std::log10(std::fabs(value))) - 5.0);
@@ -183,7 +172,8 @@ TEST(Rows, LeaveWhatIsOutOfTheOrdinaryToTheExactSweep) {
   const CubeDefinition good = {{2, 2, 16}, {{0, 0, 0}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.5}}};
   const auto is_taken = [](const SmallFchk& fields, const CubeDefinition& cube) {
     const auto molecule = read_text(fcheck_read, fchk_text(fields));
-    return make_rows(*molecule, cube, SweepField::density_and_potential, occupied(*molecule)) != nullptr;
+    return make_rows(*molecule, cube, SweepField::density_and_potential, occupied_orbitals(molecule.get())) !=
+           nullptr;
   };
   EXPECT_TRUE(is_taken({}, good));
   for (const double exponent : {0.0, -1.0, 1e-9, 1e11, HUGE_VAL, std::nan("")}) {

@@ -216,7 +216,7 @@ TEST(ScientificText, IsSureWhereTheWholeToleranceHasOneText) {
   for (int i = 0; i < 300000; ++i) {
     const double digits = 100000.5 + static_cast<double>(random() % 900000);
     const double tolerance = std::pow(10.0, -7.001 - static_cast<double>(random() % 8));
-    const double offset = 3.0 * tolerance * (static_cast<double>(random() % 2001) / 1000.0 - 1.0);
+    const double offset = 8.0 * tolerance * (static_cast<double>(random() % 2001) / 1000.0 - 1.0);
     const double value = (random() % 2 == 0 ? 1.0 : -1.0) * digits * (1.0 + offset) *
                          std::pow(10.0, static_cast<int>(random() % 40) - 20);
     const auto around = [&](double share) {
