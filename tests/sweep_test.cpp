@@ -58,31 +58,28 @@ void expect_every_bit(const Molecule& molecule, const std::vector<CubeDefinition
   for (const CubeDefinition& cube : cubes) {
     with_every_kernel([&](const char*) {
       Sweep sweep(&molecule, sweep_choose_kernel(), SweepField::orbital, list, cube_extent(&cube));
-      std::vector<double> points(3 * sweep.block_points());
-      unsigned count = 0;
-      const auto check = [&] {
+      const unsigned room = sweep.block_points();
+      Numbers points(3 * room);
+      unsigned count = 0, left = cube.npoints[0] * cube.npoints[1] * cube.npoints[2];
+      for_each_point(cube, [&](const double* next, unsigned) {
+        for (unsigned c = 0; c < 3; ++c) {
+          points[c * room + count] = next[c];
+        }
+        --left;
+        if (++count < room && left > 0) {
+          return;
+        }
         sweep.run(count, points.data());
-        for (unsigned p = 0, end = std::exchange(count, 0U); p < end; ++p) {
-          const double point[] = {points[p], points[p + sweep.block_points()],
-                                  points[p + 2 * sweep.block_points()]};
+        for (unsigned p = 0; p < count; ++p) {
+          const double point[] = {points[p], points[room + p], points[2 * room + p]};
           eval_bfce_vec(&molecule, point, functions.data());
           for (unsigned b = 0; b < n; ++b) {
             ASSERT_EQ(pattern(sweep.field(b)[p]), pattern(eval_mo(&orbitals[b], functions.data(), n)))
                 << b << " at " << point[0] << ' ' << point[1] << ' ' << point[2];
           }
         }
-      };
-      for_each_point(cube, [&](const double* point, unsigned) {
-        for (unsigned c = 0; c < 3; ++c) {
-          points[c * sweep.block_points() + count] = point[c];
-        }
-        if (++count == sweep.block_points()) {
-          check();
-        }
+        count = 0;
       });
-      if (count > 0) {
-        check();
-      }
     });
   }
 }
