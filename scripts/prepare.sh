@@ -11,6 +11,34 @@ has_fuzzer() {
     clang++ -x c++ -fsanitize=fuzzer,address,undefined - -o /dev/null 2>/dev/null
 }
 
+# The other processors that scripts/cross compares, as CMake and QEMU name them; one has its bytes the other way round.
+# shellcheck disable=SC2034 # for those who source this
+cross_processors=(aarch64 riscv64 ppc64le s390x)
+cross_triplet() { echo "${1/#ppc/powerpc}-linux-gnu"; }
+cross_emulator() { command -v "qemu-$1" || command -v "qemu-$1-static"; }
+
+# The first tool that a processor's program cannot be built or run without, or nothing.
+cross_lacks() {
+  local compiler
+  compiler=$(cross_triplet "$1")-g++
+  if ! command -v "$compiler" >/dev/null; then
+    echo "$compiler"
+  elif ! cross_emulator "$1" >/dev/null; then
+    echo "qemu-$1"
+  fi
+}
+
+# Whether there is a processor that lacks nothing.
+has_cross() {
+  local processor
+  for processor in "${cross_processors[@]}"; do
+    if [ -z "$(cross_lacks "$processor")" ]; then
+      return 0
+    fi
+  done
+  return 1
+}
+
 # Whether what a Debian package brings is there, wherever it came from; of the packages that the cookbook needs.
 has_package() {
   case $1 in
