@@ -1,9 +1,6 @@
 #include "cube.hpp"
 
-#include <fcntl.h>
-
 #include "fcheck.hpp"
-#include "progress.hpp"
 #include "small_files.hpp"
 
 TEST(Grid, AutomaticBoxFollowsTheAtoms) {
@@ -44,33 +41,6 @@ TEST(Grid, UnknownRadiusIsToldOnlyWhenWarningsAreWanted) {
     }
   }
   arg_warning = arg_quiet = 0;
-}
-
-TEST(Progress, IsShownOnATerminalAfterASecond) {
-  const int errors = dup(STDERR_FILENO), terminal = posix_openpt(O_RDWR | O_NOCTTY);
-  ASSERT_TRUE(grantpt(terminal) == 0 && unlockpt(terminal) == 0);
-  const int screen = open(ptsname(terminal), O_RDWR | O_NOCTTY), file = open("/dev/null", O_WRONLY);
-  const auto make = [](std::int16_t is_quiet, int output) {
-    arg_quiet = is_quiet;
-    dup2(output, STDERR_FILENO);
-    return std::make_unique<Progress>();
-  };
-  auto elsewhere = make(0, file), quiet = make(1, screen), shown = make(0, screen);
-  shown->show(0.1);
-  usleep(1100000);
-  elsewhere->show(0.5), quiet->show(0.5);
-  for (const double done : {0.25, 0.259, 1.0}) {
-    shown->show(done);
-  }
-  elsewhere.reset(), quiet.reset(), shown.reset();
-  dup2(errors, STDERR_FILENO);
-  char text[100] = "";
-  EXPECT_GT(read(terminal, text, sizeof text - 1), 0);
-  const std::string back(6, '\b');
-  EXPECT_EQ(text, "  25 %" + back + " 100 %" + back + "      " + back);
-  for (const int descriptor : {errors, terminal, screen, file}) {
-    close(descriptor);
-  }
 }
 
 TEST(Cube, OrbitalsThatAreNotThereAreRejected) {
