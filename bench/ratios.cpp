@@ -154,16 +154,6 @@ double named_seconds(const Molecule& molecule, const CubeDefinition& cube) {
   return seconds / count * cube.npoints[0] * cube.npoints[1] * cube.npoints[2];
 }
 
-std::vector<const Orbital*> occupied(const Molecule& molecule) {
-  std::vector<const Orbital*> orbitals;
-  for (const OccupiedOrbitals& spin : occupation_of(&molecule).spin) {
-    for (unsigned i = 0; i < spin.count; ++i) {
-      orbitals.push_back(&spin.orbitals[i]);
-    }
-  }
-  return orbitals;
-}
-
 double limit_of(const SweepKernel& kernel) {
   for (const Limit* limit : {
 #if defined(__x86_64__)
@@ -202,7 +192,7 @@ void print_sweep(const Molecule& molecule, const SweepKernel& kernel) {
   CubeDefinition cube;
   cube_comp_params(&molecule, &cube);
   const double points = 1.0 * cube.npoints[0] * cube.npoints[1] * cube.npoints[2];
-  const std::vector<const Orbital*> orbitals = occupied(molecule);
+  const std::vector<const Orbital*> orbitals = occupied_orbitals(&molecule);
   const double sweep = sweep_seconds(molecule, cube, kernel, orbitals);
   const double basis = sweep_seconds(molecule, cube, kernel, {});
   const double rows = rows_seconds(molecule, cube, kernel, orbitals);
@@ -273,7 +263,7 @@ int main(int argc, char** argv) {
       mem_init_mol(&molecule);
       fcheck_read(&molecule);
       std::printf("%s %s: %u atoms, %u functions, %zu occupied orbitals\n", kernel->name, file->c_str(),
-                  molecule.atom_count, molecule.basis_count, occupied(molecule).size());
+                  molecule.atom_count, molecule.basis_count, occupied_orbitals(&molecule).size());
       print_whole_runs(paths[0], paths[1], *file);
       print_sweep(molecule, *kernel);
       mem_clean(&molecule, nullptr);
