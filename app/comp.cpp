@@ -167,7 +167,9 @@ void comp_data(const Molecule* molecule, const CubeDefinition* cube, std::int16_
 OrbitalTexts comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_count, unsigned basis_count) {
   const double row_count = 1.0 * cube->npoints[0] * cube->npoints[1];
   const double text_size = row_count * static_cast<double>(CubeText::size_of(1, cube->npoints[2]));
-  const double fitting = orbital_memory / std::max(text_size + 1.0 * sizeof(double) * basis_count, 1.0);
+  // The exact sweep keeps a number for each function; rows keep about four, and two for each point of a row.
+  const double numbers = 5.0 * basis_count + 2.0 * cube->npoints[2];
+  const double fitting = orbital_memory / std::max(text_size + numbers * sizeof(double), 1.0);
   OrbitalTexts result = {nullptr, 0, 0};
   if (fitting >= 2.0) {
     result.orbital_count = static_cast<unsigned>(std::min<double>(fitting, orbital_count));

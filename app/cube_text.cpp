@@ -34,9 +34,7 @@ char* put_values(std::size_t count, unsigned in_row, unsigned row_length, char* 
 }  // namespace
 
 CubeText::CubeText(std::FILE* stream, unsigned row_length) : stream_(stream), row_length_(row_length) {
-  const std::size_t size = std::max(text_room, size_of(1, row_length));
-  own_ = std::make_unique_for_overwrite<char[]>(size);
-  text_ = {own_.get(), size};
+  make_room(text_room);
 }
 
 CubeText::CubeText(std::span<char> room, unsigned row_length)
@@ -77,8 +75,16 @@ bool CubeText::put_sure(std::span<const double> values, std::span<const double> 
 
 // Of a text in memory, all has room.
 void CubeText::make_room(std::size_t size) {
-  if (stream_ != nullptr && used_ + size > text_.size()) {
+  const bool is_in_memory = own_ == nullptr && !text_.empty();
+  if (is_in_memory || used_ + size <= text_.size()) {
+    return;
+  }
+  if (used_ > 0) {
     std::fwrite(text_.data(), 1, used_, stream_);
     used_ = 0;
+  }
+  if (size > text_.size()) {
+    own_ = std::make_unique_for_overwrite<char[]>(size);
+    text_ = {own_.get(), size};
   }
 }

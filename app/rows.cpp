@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <new>
 
 #include "occupation.hpp"
 
@@ -29,7 +30,7 @@ const RowKernel& kernel_like(const SweepKernel& exact) {
 
 std::unique_ptr<RowSweep> RowSweep::make(const Molecule* molecule, const CubeDefinition* cube,
                                          const SweepKernel& kernel, SweepField field,
-                                         std::span<const Orbital* const> orbitals) {
+                                         std::span<const Orbital* const> orbitals) try {
   const RowKernel& row_kernel = kernel_like(kernel);
   std::unique_ptr<RowTables> tables = rows_build(molecule, cube, row_kernel, field, orbitals);
   if (tables == nullptr) {
@@ -37,6 +38,8 @@ std::unique_ptr<RowSweep> RowSweep::make(const Molecule* molecule, const CubeDef
   }
   tables->plan.is_restricted = occupation_of(molecule).is_restricted;
   return std::unique_ptr<RowSweep>(new RowSweep(std::move(tables), row_kernel, cube->npoints[2]));
+} catch (const std::bad_alloc&) {
+  return nullptr;
 }
 
 RowSweep::RowSweep(std::unique_ptr<RowTables> tables, const RowKernel& kernel, unsigned row_length)
@@ -57,7 +60,7 @@ void RowSweep::lay_out() {
       {&piece_.weights, tables_->terms.size()},
       {&piece_.products, std::size_t{plan.atom_count} * row_powers * row_powers},
       {&piece_.peaks, plan.function_count * tiles},
-      {&piece_.shares, plan.radial_count * 2 * tiles},
+      {&piece_.shares, 2 * tiles * plan.radial_count},
       {&piece_.values, plan.function_count * tiles * kernel_.tile_points},
       {&piece_.coefficients, std::size_t{plan.function_count} * plan.stride},
       {&piece_.orbital_bounds, tiles * plan.stride}};
@@ -86,10 +89,11 @@ void RowSweep::run(unsigned i, unsigned j) {
   // Pieces of nearly equal length.
   const unsigned tile_count = (row_length_ + kernel_.tile_points - 1) / kernel_.tile_points;
   const unsigned piece_count = (tile_count + kernel_.piece_tiles - 1) / kernel_.piece_tiles;
+  const auto start_of = [&](std::size_t p) { return static_cast<unsigned>(p * tile_count / piece_count); };
   for (unsigned p = 0; p < piece_count; ++p) {
     RowPiece piece = piece_;
-    piece.first_tile = p * tile_count / piece_count;
-    piece.tile_count = (p + 1) * tile_count / piece_count - piece.first_tile;
+    piece.first_tile = start_of(p);
+    piece.tile_count = start_of(p + 1) - piece.first_tile;
     piece.fields = fields_.data() + std::size_t{piece.first_tile} * kernel_.tile_points;
     piece.tolerances = tolerances_.data() + std::size_t{piece.first_tile} * kernel_.tile_points;
     kernel_.run(tables_->plan, piece);

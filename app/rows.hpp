@@ -14,8 +14,8 @@
 
 class RowSweep {
  public:
-  /// Null if the exact sweep must do it all: see rows_build. `kernel` is that of the exact sweep, for whose
-  /// instruction set rows are then evaluated.
+  /// Null if the exact sweep must do it all: see rows_build; also if there is no memory for rows. `kernel` is
+  /// that of the exact sweep, for whose instruction set rows are then evaluated.
   static std::unique_ptr<RowSweep> make(const Molecule* molecule, const CubeDefinition* cube,
                                         const SweepKernel& kernel, SweepField field,
                                         std::span<const Orbital* const> orbitals);

@@ -25,8 +25,8 @@
 // Terms with a > 48 are smaller than |c N| (48 / α)^(l/2) exp(-48) and are off by another 2^-40 of themselves
 // at most (6·746 roundings; from 746 on both are 0 to any purpose): `tail` adds them up, and rows_negligible
 // for each term that is out of reach. What a tile leaves out enters with all of its V twice, once for lacking
-// and once for its rounding in the exact sweep. Underflow costs less than 10^-250, and no smaller value is
-// sure (is_ordinary of rows_build.cpp keeps all factors small enough for that).
+// and once for its rounding in the exact sweep. Underflow costs less than 10^-240, which the tail covers, and
+// no smaller value is sure (is_ordinary of rows_build.cpp keeps all factors small enough for that).
 //
 // For sums over orbitals, let Δ be the same bound with the norm of the vector C_f over the orbitals in place
 // of |C_fo|: by the triangle inequality the vector of the errors of all orbitals is not longer. With s = Σ

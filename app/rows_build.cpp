@@ -114,7 +114,8 @@ class Builder {
 
   // Of the factors of a Gaussian.
   std::size_t table_size() const {
-    std::size_t size = std::size_t{tile_count_} * kernel_.tile_points + row_powers * tables_.plan.tile_room;
+    std::size_t size =
+        std::size_t{tile_count_} * kernel_.tile_points + std::size_t{row_powers} * tables_.plan.tile_room;
     for (const unsigned index : tables_.index) {
       size += cube_->npoints[index];
     }
@@ -164,7 +165,7 @@ class Builder {
       largest = std::fabs(weights[i]) > std::fabs(weights[largest]) ? i : largest;
     }
     if (count == 0 || weights[largest] == 0.0) {
-      return true;  // 0 everywhere
+      return true;  // next to nothing everywhere
     }
     const auto same = std::ranges::find_if(*radials, [&](const Radial& radial) {
       if (radial.weights.size() != count ||
@@ -174,9 +175,9 @@ class Builder {
         return false;
       }
       const double ratio = weights[largest] / radial.weights[largest];
-      return std::ranges::equal(weights, radial.weights, [&](double a, double b) {
-        return std::fabs(a - ratio * b) <= rows_multiple * std::fabs(a);
-      });
+      return is_ordinary(ratio) && std::ranges::equal(weights, radial.weights, [&](double a, double b) {
+               return std::fabs(a - ratio * b) <= rows_multiple * std::fabs(a);
+             });
     });
     const auto place = static_cast<std::size_t>(same - radials->begin());
     if (same == radials->end()) {
@@ -236,7 +237,7 @@ class Builder {
       for (unsigned c = 0; c < 2; ++c) {
         term.across[c] = tabulate_factors(exponent, row_atom->across[c], cube_->npoints[tables_.index[c]]);
       }
-      double* const peaks = take(row_powers * tables_.plan.tile_room);
+      double* const peaks = take(std::size_t{row_powers} * tables_.plan.tile_room);
       term.peaks = peaks;
       for (unsigned k = 0; k < points; ++k) {
         double value = term.along[k];

@@ -307,7 +307,7 @@ class RowPass {
   void finish_orbital(const Real (&values)[TilePacks], unsigned tile, std::size_t orbital,
                       double bound) const {
     for (unsigned p = 0; p < TilePacks; ++p) {
-      const std::size_t at = orbital * piece_.stride + tile * tile_points + p * Real::lanes;
+      const std::size_t at = orbital * piece_.stride + std::size_t{tile} * tile_points + p * Real::lanes;
       const Real relative = bound / higher_of(values[p], 0.0 - values[p]);
       if (plan_.field == SweepField::orbital) {
         values[p].store(piece_.fields + at);
@@ -330,7 +330,7 @@ class RowPass {
       const double weighted_tolerance = rows_sum_tolerance(bounds_[1][tile], weighted, plan_.orbital_count);
       for (unsigned p = 0; p < TilePacks; ++p) {
         const OccupiedSums<Real>& sums = sums_[tile][p];
-        double* const field = piece_.fields + tile * tile_points + p * Real::lanes;
+        double* const field = piece_.fields + std::size_t{tile} * tile_points + p * Real::lanes;
         double* const relative = piece_.tolerances + (field - piece_.fields);
         eval_total(sums, plan_.is_restricted).store(field);
         eval_potential(sums, false).store(field + piece_.stride);
@@ -340,12 +340,12 @@ class RowPass {
     }
   }
 
+  Real totals_[2][tile_packs] = {};
+  OccupiedSums<Real> sums_[piece_tiles][TilePacks];
+  double rounding_[piece_tiles], left_out_[2][piece_tiles], bounds_[2][piece_tiles];
   const RowPlan& plan_;
   const RowPiece& piece_;
-  Real totals_[2][tile_packs] = {};
-  double rounding_[piece_tiles], left_out_[2][piece_tiles], bounds_[2][piece_tiles];
   RowUse* const in_reach_;  // the radials in reach, then those in use
-  unsigned in_reach_count_ = 0;
   unsigned function_counts_[piece_tiles] = {};
-  OccupiedSums<Real> sums_[piece_tiles][TilePacks];
+  unsigned in_reach_count_ = 0;
 };

@@ -6,14 +6,15 @@
 
 // What the sweep by rows hands to its kernels; as for the exact sweep, plain memory. Further words:
 //
-//   row       the points of the grid that differ in the third index only: one coordinate, "along", changes
-//   across    the two other coordinates; they belong to the row
-//   piece     so much of a row as a kernel takes at once
-//   radial    a sum of Gaussians of a centre, Σ w exp(-α r²), shared by all functions that are multiples of
-//   it monomial  what functions of a radial are made of: the radial times powers of the three offsets power
-//   of the offset along the row row function  a radial times a power. In a row each orbital is a sum over
-//   these; its coefficients are those
-//             of all monomials of the power, times the powers of the offsets across, added up: collapsed
+//   row           the points that differ in the third index only: one coordinate, "along", changes
+//   across        the two other coordinates; they belong to the row
+//   piece         so much of a row as a kernel takes at once
+//   radial        a sum of Gaussians of a centre, Σ w exp(-α r²), for all functions that are multiples of it
+//   monomial      what these functions are made of: the radial times powers of the three offsets
+//   power         of the offset along the row
+//   row function  a radial times a power
+//   collapsed     in a row each orbital is a sum over row functions; the coefficient of each is the sum of
+//                 those of all monomials of its power, times their powers of the offsets across
 
 inline constexpr unsigned row_powers = 5;  // 0 to 4, the highest angular momentum
 

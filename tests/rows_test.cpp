@@ -76,7 +76,7 @@ SmallFchk strained(std::mt19937_64& random) {
     fields.shells.push_back({type, atom, {std::pow(10.0, number())}, {number()}, {}});
   }
   fields.coefficient = [seed = random()](unsigned i, unsigned j) {
-    std::mt19937_64 generator(seed + 1000 * i + j);
+    std::mt19937_64 generator(seed + 1000UL * i + j);
     return std::uniform_real_distribution(-1.0, 1.0)(generator);
   };
   return fields;
@@ -102,7 +102,7 @@ TEST(Rows, KeepWithinTheirTolerance) {
   for (int trial = 0; trial < 8; ++trial) {
     SmallFchk fields = strained(random);
     if (trial < 3) {  // so little to add up that the rounding of large arguments shows
-      fields.shells = {{1, 1, {10.0}, {1.0}, {}}};
+      fields.shells = {{1, 1, {10.0}, {1e-307}, {}}, {1, 1, {10.0}, {1.0}, {}}};
       fields.electrons = 2;
     }
     const auto molecule = read_text(fcheck_read, fchk_text(fields));
@@ -129,7 +129,8 @@ TEST(Rows, CountWhatTheyLeaveOut) {
   for (unsigned i = 0; i < 300; ++i) {
     fields.shells.push_back({0, 1, {1.0 + 0.001 * i}, {1.0}, {}});
   }
-  for (const auto& [small, energy] : {std::pair{1e-14, -1.0}, {2e-14, -1.0}, {3e-15, -1.0}, {1e-14, -1e20}}) {
+  for (const auto& row : {std::pair{1e-14, -1.0}, {2e-14, -1.0}, {3e-15, -1.0}, {1e-14, -1e20}}) {
+    const double small = row.first, energy = row.second;
     fields.coefficient = [&](unsigned i, unsigned j) {
       return j >= 5 ? small : i == 0 || energy == -1.0 ? 1.0 : 0.0;
     };

@@ -59,7 +59,7 @@ void expect_every_bit(const Molecule& molecule, const std::vector<CubeDefinition
     with_every_kernel([&](const char*) {
       Sweep sweep(&molecule, sweep_choose_kernel(), SweepField::orbital, list, cube_extent(&cube));
       const unsigned room = sweep.block_points();
-      Numbers points(3 * room);
+      Numbers points(std::size_t{3} * room);
       unsigned count = 0, left = cube.npoints[0] * cube.npoints[1] * cube.npoints[2];
       for_each_point(cube, [&](const double* next, unsigned) {
         for (unsigned c = 0; c < 3; ++c) {
@@ -197,9 +197,8 @@ TEST(Sweep, GivesEveryBitInWhateverOrderTheFunctionsStand) {
 
 TEST(Sweep, MemoryLimitsTheOrbitalsOfABlock) {
   const std::tuple<std::array<unsigned, 3>, unsigned, unsigned> rows[] = {
-      {{80, 80, 80}, 0, 9},          {{400, 400, 400}, 0, 0},  {{200, 200, 200}, 0, 0},
-      {{0, 9, 9}, 9, 900},           {{1, 1, 1}, 1U << 20, 7}, {{1, 1, 1}, (1U << 22) - 2, 2},
-      {{1, 1, 1}, (1U << 22) - 1, 0}};
+      {{80, 80, 80}, 0, 9},      {{400, 400, 400}, 0, 0}, {{200, 200, 200}, 0, 0}, {{0, 9, 9}, 9, 900},
+      {{1, 1, 1}, 1U << 17, 12}, {{1, 1, 1}, 838860, 2},  {{1, 1, 1}, 838861, 0}};
   for (const auto& [npoints, basis_count, orbital_count] : rows) {
     const CubeDefinition shape = {{npoints[0], npoints[1], npoints[2]}, {}, {}};
     EXPECT_EQ(comp_orbital_alloc(&shape, 900, basis_count).orbital_count, orbital_count) << basis_count;
