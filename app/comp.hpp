@@ -12,7 +12,7 @@
 
 // The sweep over the grid: the data of the cube files.
 
-/// Values of all basis functions at the point or points at hand. Exists during a sweep only.
+/// Values of all basis functions at the point or points at hand. Exists during an exact sweep only.
 extern double* comp_bfce_vec;
 
 /// Writes the data of a field for all points, the third axis fastest, "%13.5e" each, six to a line, every row
