@@ -74,6 +74,7 @@ SmallFchk strained(std::mt19937_64& random) {
     fields.shells.push_back({type, atom, {a, exponent(), exponent()}, {c, number(), number()}, {}});
     fields.shells.push_back({type, atom, {a, a * (1.0 + 1e-7)}, {c, -c}, {}});
     fields.shells.push_back({type, atom, {std::pow(10.0, number())}, {number()}, {}});
+    fields.shells.push_back({0, atom, {2.0, 0.5}, {1.0, 1.0 + 1e-9 * i}, {}});  // no multiples, but nearly
   }
   fields.coefficient = [seed = random()](unsigned i, unsigned j) {
     std::mt19937_64 generator(seed + 1000UL * i + j);
