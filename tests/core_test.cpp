@@ -131,7 +131,7 @@ TEST(Vector, EveryElementTypeStartsZeroAndIsFilledAndFound) {
   EXPECT_EQ(vec_fin(Numbers(3, std::nan("")).data(), std::nan(""), 3), vec_not_found);
   EXPECT_EQ(vec_tfree(vec_talloc(0x10000, 0x10000)), 0);  // the byte count wraps to 0
   void* const millions = vec_talloc(3000, 3000);          // far beyond the end of whatever else is allocated
-  std::memset(millions, 1, 3000 * 3000);
+  std::memset(millions, 1, size_t{3000} * 3000);
   vec_tfree(millions);
   const int pairs[][2] = {{1, 5}, {2, 6}, {3, 6}}, six = 6;
   const auto second_is = [](const void* element, const void* key) {
