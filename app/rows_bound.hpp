@@ -26,7 +26,7 @@
 // at most (6·746 roundings; from 746 on both are 0 to any purpose): `tail` adds them up, and rows_negligible
 // for each term that is out of reach. What a tile leaves out enters with all of its V twice, once for lacking
 // and once for its rounding in the exact sweep. Underflow costs less than 10^-240, which the tail covers, and
-// no smaller value is sure (is_ordinary of rows_build.cpp keeps all factors small enough for that).
+// no smaller value is sure (what is not ordinary is left to the exact sweep).
 //
 // For sums over orbitals, let Δ be the same bound with the norm of the vector C_f over the orbitals in place
 // of |C_fo|: by the triangle inequality the vector of the errors of all orbitals is not longer. With s = Σ
@@ -42,6 +42,9 @@ inline constexpr double rows_multiple = 32.0 * rows_unit;  // how nearly functio
 
 // The bounds are evaluated in doubles themselves, and where errors count twice their squares are left out.
 inline constexpr double rows_margin = 1.0625;
+
+/// Whether a coefficient, weight or energy is so small that products of them are finite.
+inline bool rows_is_ordinary(double number) { return std::fabs(number) <= 1e30; }
 
 /// ε without n and g, and what each of these summands adds.
 constexpr double rows_rounding(double term_max, double function_max) {

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "grid.hpp"
+#include "memory.hpp"
+#include "rows_tables.hpp"
+
+/// What a basis function has of a monomial.
+struct RowPart {
+  unsigned function, monomial;
+  double factor, magnitude;  // of its angular factor, the latter with all that is added up taken positive
+};
+
+/// Tabulates the basis functions on the rows of a grid: fills in the atoms, radials, terms and monomials of
+/// the tables, their norms and reach aside. Nothing if rows cannot do it: see rows_build.
+std::optional<std::vector<RowPart>> rows_functions(const Molecule* molecule, const CubeDefinition* cube,
+                                                   const RowKernel& kernel, RowTables* tables);
