@@ -19,7 +19,7 @@ double* comp_bfce_vec = nullptr;
 namespace {
 
 // Bytes at most for many orbitals, their texts and the coefficients that their sweep keeps.
-constexpr double orbital_memory = 64.0 * 1024 * 1024;
+constexpr double orbital_memory = 128.0 * 1024 * 1024;
 
 constexpr unsigned pause_max = 63;  // rows
 
@@ -172,7 +172,8 @@ OrbitalTexts comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_cou
   const double fitting = orbital_memory / std::max(text_size + numbers * sizeof(double), 1.0);
   OrbitalTexts result = {nullptr, 0, 0};
   if (fitting >= 2.0) {
-    result.orbital_count = static_cast<unsigned>(std::min<double>(fitting, orbital_count));
+    const double block_count = std::max(1.0, std::ceil(orbital_count / std::floor(fitting)));
+    result.orbital_count = static_cast<unsigned>(std::ceil(orbital_count / block_count));
     result.text_size = static_cast<std::size_t>(text_size);
     result.texts.reset(new (std::nothrow) char[result.text_size * result.orbital_count]);
   }

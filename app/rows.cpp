@@ -63,7 +63,7 @@ void RowSweep::lay_out() {
       {&piece_.shares, 2 * tiles * plan.radial_count},
       {&piece_.values, plan.function_count * tiles * kernel_.tile_points},
       {&piece_.coefficients, std::size_t{plan.function_count} * plan.stride},
-      {&piece_.orbital_bounds, tiles * plan.stride}};
+      {&piece_.magnitudes, tables_->magnitudes.empty() ? 0 : std::size_t{plan.function_count} * plan.stride}};
   const auto rounded_up = [](std::size_t size) { return (size + 7) / 8 * 8; };  // to whole cache lines
   std::size_t total = 0;
   for (const auto& [pointer, size] : parts) {
@@ -76,7 +76,7 @@ void RowSweep::lay_out() {
     next += rounded_up(size);
   }
   uses_.resize(plan.radial_count);
-  functions_.resize(tiles * plan.function_count);
+  functions_.resize((tiles + 1) * plan.function_count);
   piece_.uses = uses_.data();
   piece_.functions = functions_.data();
 }

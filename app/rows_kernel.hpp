@@ -23,6 +23,7 @@ class RowPass {
  private:
   static constexpr unsigned tile_points = TilePacks * Real::lanes;
   static constexpr unsigned piece_tiles = 128 / tile_points;
+  static constexpr unsigned any_tile = piece_tiles;                  // where lists are by tile
   static constexpr unsigned tile_packs = piece_tiles / Real::lanes;  // with a tile in each lane
   static_assert(tile_packs * Real::lanes * tile_points == 128);
 
@@ -143,10 +144,7 @@ class RowPass {
       const double* const shares[2] = {shares_of(use.radial, 0), shares_of(use.radial, 1)};
       for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
         if (shares[0][tile] > plan_.cut * totals[0][tile]) {
-          unsigned* const functions = functions_of(tile);
-          for (unsigned power = 0; power <= radial.power_max; ++power) {
-            functions[function_counts_[tile]++] = radial.first_function + power;
-          }
+          add_functions(radial, tile);
           summand_counts[tile] += radial.basis_count + radial.power_max + 1;
           use.first_tile = use.end_tile == 0 ? tile : use.first_tile;
           use.end_tile = tile + 1;
@@ -157,6 +155,7 @@ class RowPass {
       }
       if (use.end_tile > 0) {
         in_reach_[used_count++] = use;
+        add_functions(radial, any_tile);
       }
     }
     in_reach_count_ = used_count;
@@ -166,6 +165,13 @@ class RowPass {
         left_out_[norm][tile] = 2.0 * (left_out[norm][tile] + plan_.tail[norm]);
         bounds_[norm][tile] = rounding_[tile] * totals[norm][tile] + left_out_[norm][tile];
       }
+    }
+  }
+
+  void add_functions(const RowRadial& radial, unsigned tile) {
+    unsigned* const functions = functions_of(tile);
+    for (unsigned power = 0; power <= radial.power_max; ++power) {
+      functions[function_counts_[tile]++] = radial.first_function + power;
     }
   }
 
@@ -222,24 +228,20 @@ class RowPass {
   }
 
   // The coefficients of the row functions in a chunk of orbitals.
-  void collapse(const RowOrbitals& chunk) {
-    if (chunk.magnitudes != nullptr) {
-      __builtin_memset(piece_.orbital_bounds, 0, sizeof(double) * piece_.tile_count * plan_.stride);
-    }
+  void collapse(const RowOrbitals& chunk) const {
     for (unsigned n = 0; n < in_reach_count_; ++n) {
       const RowRadial& radial = plan_.radials[in_reach_[n].radial];
       const double* const products = products_of(radial.atom);
       for (unsigned power = 0; power <= radial.power_max; ++power) {
-        const unsigned function = radial.first_function + power;
-        double* const to = piece_.coefficients + std::size_t{function} * plan_.stride;
+        const std::size_t at = std::size_t{radial.first_function + power} * plan_.stride;
         for (unsigned o = 0; o < plan_.stride; o += Real::lanes) {
           sum_monomials(radial, power, chunk.coefficients + o, [&](unsigned across) {
             return products[across];
-          }).store(to + o);
+          }).store(piece_.coefficients + at + o);
           if (chunk.magnitudes != nullptr) {
-            add_bounds(function, o, sum_monomials(radial, power, chunk.magnitudes + o, [&](unsigned across) {
-                         return std::fabs(products[across]);
-                       }));
+            sum_monomials(radial, power, chunk.magnitudes + o, [&](unsigned across) {
+              return std::fabs(products[across]);
+            }).store(piece_.magnitudes + at + o);
           }
         }
       }
@@ -257,14 +259,6 @@ class RowPass {
     return sum;
   }
 
-  void add_bounds(unsigned function, unsigned orbital, Real magnitudes) const {
-    const double* const peaks = piece_.peaks + std::size_t{function} * piece_tiles;
-    for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
-      double* const bounds = piece_.orbital_bounds + std::size_t{tile} * plan_.stride + orbital;
-      (Real::load(bounds) + peaks[tile] * magnitudes).store(bounds);
-    }
-  }
-
   void evaluate_orbitals(const RowOrbitals& chunk, unsigned first_orbital) {
     for (unsigned g = 0; g < chunk.group_count; ++g) {
       const unsigned first = g * chunk.count / chunk.group_count;
@@ -280,6 +274,10 @@ class RowPass {
   template <unsigned Orbitals>
   void evaluate_group(const RowOrbitals& chunk, unsigned first, unsigned first_orbital) {
     const double* const coefficients = piece_.coefficients + first;
+    double peaks[Orbitals][piece_tiles];
+    if (chunk.magnitudes != nullptr) {
+      find_peaks(first, peaks);
+    }
     for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
       const unsigned* const functions = functions_of(tile);
       const double* const values = values_of(tile);
@@ -295,11 +293,26 @@ class RowPass {
           }
         } else {
           finish_orbital(orbitals[o], tile, first_orbital + first + o,
-                         chunk.magnitudes == nullptr
-                             ? bounds_[0][tile]
-                             : rounding_[tile] * piece_.orbital_bounds[tile * plan_.stride + first + o] +
-                                   left_out_[0][tile]);
+                         chunk.magnitudes == nullptr ? bounds_[0][tile]
+                                                     : rounding_[tile] * peaks[o][tile] + left_out_[0][tile]);
         }
+      }
+    }
+  }
+
+  // What the orbitals come to at most in each tile: their sums as above, of magnitudes, with a tile in each
+  // lane.
+  template <unsigned Orbitals>
+  void find_peaks(unsigned first, double (&peaks)[Orbitals][piece_tiles]) const {
+    const unsigned* const functions = functions_of(any_tile);
+    for (unsigned tile = 0; tile < piece_.tile_count; tile += Real::lanes) {
+      Real sums[Orbitals][1];
+      eval_orbitals(
+          piece_.magnitudes + first, plan_.stride, function_counts_[any_tile],
+          [&](unsigned k) { return functions[k]; },
+          [&](std::size_t f, unsigned) { return Real::load(piece_.peaks + f * piece_tiles + tile); }, sums);
+      for (unsigned o = 0; o < Orbitals; ++o) {
+        sums[o][0].store(peaks[o] + tile);
       }
     }
   }
@@ -346,6 +359,6 @@ class RowPass {
   const RowPlan& plan_;
   const RowPiece& piece_;
   RowUse* const in_reach_;  // the radials in reach, then those in use
-  unsigned function_counts_[piece_tiles] = {};
+  unsigned function_counts_[any_tile + 1] = {};
   unsigned in_reach_count_ = 0;
 };

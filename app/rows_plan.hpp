@@ -84,15 +84,14 @@ struct RowPiece {
   double *fields, *tolerances;
   std::size_t stride;
   // Working memory, on 64-byte boundaries.
-  double* weights;         // [term]: times the factors across
-  double* products;        // [atom][first power][second power]: of the offsets across
-  double* peaks;           // [row function][tile]: no value of the function is larger in magnitude
-  double* shares;          // [radial][norm][tile]: at most so much comes from the radial
-  RowUse* uses;            // [radial]
-  unsigned* functions;     // [tile][...]: the row functions that are not left out
-  double* values;          // [tile][row function][point of the tile]
-  double* coefficients;    // [row function][orbital]: collapsed
-  double* orbital_bounds;  // [tile][orbital]
+  double* weights;      // [term]: times the factors across
+  double* products;     // [atom][first power][second power]: of the offsets across
+  double* peaks;        // [row function][tile]: no value of the function is larger in magnitude
+  double* shares;       // [radial][norm][tile]: at most so much comes from the radial
+  RowUse* uses;         // [radial]
+  unsigned* functions;  // [tile][...]: the row functions that are not left out, at last in any tile
+  double* values;       // [tile][row function][point of the tile]
+  double *coefficients, *magnitudes;  // [row function][orbital]: collapsed
 };
 
 /// A kernel for one instruction set.

@@ -197,11 +197,11 @@ TEST(Sweep, GivesEveryBitInWhateverOrderTheFunctionsStand) {
 
 TEST(Sweep, MemoryLimitsTheOrbitalsOfABlock) {
   const std::tuple<std::array<unsigned, 3>, unsigned, unsigned> rows[] = {
-      {{80, 80, 80}, 0, 9},      {{400, 400, 400}, 0, 0}, {{200, 200, 200}, 0, 0}, {{0, 9, 9}, 9, 900},
-      {{1, 1, 1}, 1U << 17, 12}, {{1, 1, 1}, 838860, 2},  {{1, 1, 1}, 838861, 0}};
+      {{80, 80, 80}, 0, 18},     {{400, 400, 400}, 0, 0}, {{200, 200, 200}, 0, 0}, {{0, 9, 9}, 9, 230},
+      {{1, 1, 1}, 1U << 17, 23}, {{1, 1, 1}, 1677720, 2}, {{1, 1, 1}, 1677721, 0}};
   for (const auto& [npoints, basis_count, orbital_count] : rows) {
     const CubeDefinition shape = {{npoints[0], npoints[1], npoints[2]}, {}, {}};
-    EXPECT_EQ(comp_orbital_alloc(&shape, 900, basis_count).orbital_count, orbital_count) << basis_count;
+    EXPECT_EQ(comp_orbital_alloc(&shape, 230, basis_count).orbital_count, orbital_count) << basis_count;
   }
 }
 
