@@ -4,7 +4,7 @@
 #include <cmath>
 #include <deque>
 #include <new>
-#include <optional>
+#include <numeric>
 #include <vector>
 
 #include "cube_text.hpp"
@@ -77,75 +77,94 @@ struct FieldText {
   std::size_t field;
 };
 
-// All points of a grid by the exact sweep.
-void sweep_exactly(const CubeDefinition* cube, Sweep& sweep, std::span<const FieldText> texts,
-                   Progress* progress) {
+// Gives points to the exact sweep as long as next(points, room), which stores them as GridWalk::next does,
+// has any; take(count) may then have the fields.
+template <class Next, class Take>
+void sweep_exactly(Sweep& sweep, Next next, Take take) {
   std::vector<double> points(3 * std::size_t{sweep.block_points()});
   comp_bfce_vec = sweep.values();
-  GridWalk walk(cube);
-  while (const unsigned count = walk.next(points.data(), sweep.block_points())) {
+  while (const unsigned count = next(points.data(), sweep.block_points())) {
     sweep.run(count, points.data());
-    for (const auto& [text, field] : texts) {
-      text->put({sweep.field(field), count});
-    }
-    if (progress != nullptr) {
-      progress->show(walk.part_done());
-    }
+    take(count);
   }
   comp_bfce_vec = nullptr;
 }
 
-// A row as a grid of its own, whose points have the same bits.
-CubeDefinition row_of(const CubeDefinition* cube, unsigned i, unsigned j) {
-  CubeDefinition row = *cube;
-  row.npoints[0] = row.npoints[1] = 1;
-  for (unsigned c = 0; c < 3; ++c) {
-    row.points[0][c] = cube_coordinate(cube, i, j, 0, c);
-  }
-  return row;
+// Gives the values of the last row anew whose numbers are in `in_doubt`.
+void correct_row(const CubeDefinition* cube, unsigned i, unsigned j, std::span<const unsigned> in_doubt,
+                 Sweep& sweep, std::span<const FieldText> texts) {
+  sweep_exactly(
+      sweep,
+      [&](double* points, unsigned room) {
+        const auto count = static_cast<unsigned>(std::min<std::size_t>(room, in_doubt.size()));
+        for (unsigned c = 0; c < 3; ++c) {
+          for (unsigned n = 0; n < count; ++n) {
+            points[std::size_t{c} * room + n] = cube_coordinate(cube, i, j, in_doubt[n], c);
+          }
+        }
+        return count;
+      },
+      [&](unsigned count) {
+        for (const auto& [text, field] : texts) {
+          for (unsigned n = 0; n < count; ++n) {
+            text->correct(in_doubt[n], sweep.field(field)[n]);
+          }
+        }
+        in_doubt = in_doubt.subspan(count);
+      });
 }
 
-// All points of the grid, row by row where that can be done, which is cheaper; then the exact sweep decides
-// the texts of rows that are left in doubt. Where one such row follows the other, rows are not even tried for
-// a while.
-void sweep_grid(const Molecule* molecule, const CubeDefinition* cube, SweepField field,
-                std::span<const Orbital* const> orbitals, std::span<const FieldText> texts) {
-  const SweepKernel& kernel = sweep_choose_kernel();
-  const auto exact_sweep = [&] { return Sweep(molecule, kernel, field, orbitals, cube_extent(cube)); };
-  const std::unique_ptr<RowSweep> rows = RowSweep::make(molecule, cube, kernel, field, orbitals);
+// All points of the grid by rows, which is cheaper; then the exact sweep decides what they leave in doubt.
+// Where that is much, row after row, they are not even tried for a while.
+void sweep_rows(const CubeDefinition* cube, RowSweep& rows, Sweep& exact, std::span<const FieldText> texts) {
   Progress progress;
-  if (rows == nullptr) {
-    Sweep sweep = exact_sweep();
-    sweep_exactly(cube, sweep, texts, &progress);
-    return;
-  }
-  std::optional<Sweep> exact;
-  std::vector<FieldText> in_doubt;
+  std::vector<unsigned> in_doubt;
   unsigned pause = 0, next_pause = 0;
   for (unsigned i = 0; i < cube->npoints[0]; ++i) {
     for (unsigned j = 0; j < cube->npoints[1]; ++j) {
+      in_doubt.clear();
       if (pause > 0) {
         --pause;
-        in_doubt.assign(texts.begin(), texts.end());
-      } else {
-        rows->run(i, j);
-        in_doubt.clear();
-        std::ranges::copy_if(texts, std::back_inserter(in_doubt), [&](const FieldText& to) {
-          return !to.text->put_sure(rows->field(to.field), rows->tolerances(to.field));
-        });
-        pause = in_doubt.empty() ? 0 : next_pause;
-        next_pause = in_doubt.empty() ? 0 : std::min(2 * next_pause + 1, pause_max);
-      }
-      if (!in_doubt.empty()) {
-        if (!exact) {
-          exact.emplace(exact_sweep());
+        in_doubt.resize(cube->npoints[2]);
+        std::iota(in_doubt.begin(), in_doubt.end(), 0U);
+        for (const FieldText& to : texts) {
+          to.text->put_empty_row();
         }
-        const CubeDefinition row = row_of(cube, i, j);
-        sweep_exactly(&row, *exact, in_doubt, nullptr);
+      } else {
+        rows.run(i, j);
+        for (const auto& [text, field] : texts) {
+          text->put_row(rows.field(field), rows.tolerances(field), &in_doubt);
+        }
+        std::ranges::sort(in_doubt);
+        in_doubt.erase(std::ranges::unique(in_doubt).begin(), in_doubt.end());
+        const bool is_worth_while = in_doubt.size() <= cube->npoints[2] / 4;
+        pause = is_worth_while ? 0 : next_pause;
+        next_pause = is_worth_while ? 0 : std::min(2 * next_pause + 1, pause_max);
       }
+      correct_row(cube, i, j, in_doubt, exact, texts);
       progress.show((i + static_cast<double>(j) / cube->npoints[1]) / cube->npoints[0]);
     }
   }
+}
+
+void sweep_grid(const Molecule* molecule, const CubeDefinition* cube, SweepField field,
+                std::span<const Orbital* const> orbitals, std::span<const FieldText> texts) {
+  const SweepKernel& kernel = sweep_choose_kernel();
+  Sweep exact(molecule, kernel, field, orbitals, cube_extent(cube));
+  if (const auto rows = RowSweep::make(molecule, cube, kernel, field, orbitals)) {
+    sweep_rows(cube, *rows, exact, texts);
+    return;
+  }
+  Progress progress;
+  GridWalk walk(cube);
+  sweep_exactly(
+      exact, [&](double* points, unsigned room) { return walk.next(points, room); },
+      [&](unsigned count) {
+        for (const auto& [text, number] : texts) {
+          text->put({exact.field(number), count});
+        }
+        progress.show(walk.part_done());
+      });
 }
 
 }  // namespace

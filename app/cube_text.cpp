@@ -1,6 +1,7 @@
 #include "cube_text.hpp"
 
 #include <algorithm>
+#include <utility>
 
 #include "str_real.hpp"
 
@@ -10,14 +11,12 @@ constexpr std::size_t text_room = 65536;
 constexpr unsigned in_line = 6;
 
 // Writes values one after the other with write(value number, place), and ends lines and rows. Returns the end
-// of the text, or null as soon as `write` returns false.
+// of the text.
 template <class Write>
 char* put_values(std::size_t count, unsigned in_row, unsigned row_length, char* text, Write write) {
   unsigned left = in_line - in_row % in_line;
   for (std::size_t n = 0; n < count; ++n) {
-    if (!write(n, text)) {
-      return nullptr;
-    }
+    write(n, text);
     text += str_scientific_width;
     const bool is_row_end = ++in_row == row_length;
     if (--left == 0 || is_row_end) {
@@ -50,27 +49,37 @@ void CubeText::put(std::span<const double> values) {
   while (!values.empty()) {
     const std::size_t count = std::min<std::size_t>(values.size(), text_room / (str_scientific_width + 1));
     make_room(count * (str_scientific_width + 1));
-    char* const end =
-        put_values(count, in_row_, row_length_, text_.data() + used_, [&](std::size_t n, char* to) {
-          str_scientific(values[n], to);
-          return true;
-        });
+    char* const end = put_values(count, in_row_, row_length_, text_.data() + used_,
+                                 [&](std::size_t n, char* to) { str_scientific(values[n], to); });
     used_ = static_cast<std::size_t>(end - text_.data());
     in_row_ = static_cast<unsigned>((in_row_ + count) % row_length_);
     values = values.subspan(count);
   }
 }
 
-bool CubeText::put_sure(std::span<const double> values, std::span<const double> tolerances) {
-  make_room(size_of(1, row_length_));
-  const char* const end =
-      put_values(values.size(), 0, row_length_, text_.data() + used_,
-                 [&](std::size_t n, char* to) { return str_scientific_sure(values[n], tolerances[n], to); });
-  if (end == nullptr) {
-    return false;
-  }
-  used_ = static_cast<std::size_t>(end - text_.data());
-  return true;
+void CubeText::put_row(std::span<const double> values, std::span<const double> tolerances,
+                       std::vector<unsigned>* in_doubt) {
+  put_values(row_length_, 0, row_length_, add_row(), [&](std::size_t n, char* to) {
+    if (!str_scientific_sure(values[n], tolerances[n], to)) {
+      in_doubt->push_back(static_cast<unsigned>(n));
+    }
+  });
+}
+
+void CubeText::put_empty_row() {
+  put_values(row_length_, 0, row_length_, add_row(), [](std::size_t, char*) {});
+}
+
+char* CubeText::add_row() {
+  const std::size_t size = size_of(1, row_length_);
+  make_room(size);
+  row_start_ = std::exchange(used_, used_ + size);
+  return text_.data() + row_start_;
+}
+
+void CubeText::correct(unsigned number, double value) {
+  str_scientific(value,
+                 text_.data() + row_start_ + std::size_t{number} * str_scientific_width + number / in_line);
 }
 
 // Of a text in memory, all has room.

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <memory>
 #include <span>
+#include <vector>
 
 #include "grid.hpp"
 
@@ -26,16 +27,24 @@ class CubeText {
   /// Appends values; rows end where they are full.
   void put(std::span<const double> values);
 
-  /// Appends a whole row of values that are known to a relative tolerance each, if that leaves no doubt about
-  /// their text. Else returns false, and nothing is appended.
-  bool put_sure(std::span<const double> values, std::span<const double> tolerances);
+  /// Appends a whole row of values that are known to a relative tolerance each. Where that leaves a text in
+  /// doubt, adds the number of the value to `in_doubt`, and `correct` is to follow.
+  void put_row(std::span<const double> values, std::span<const double> tolerances,
+               std::vector<unsigned>* in_doubt);
+
+  /// Appends a whole row, each value of which is to follow by `correct`.
+  void put_empty_row();
+
+  /// Gives a value of the last row anew, by its number in the row.
+  void correct(unsigned number, double value);
 
  private:
+  char* add_row();
   void make_room(std::size_t size);
 
   std::FILE* stream_;
   unsigned row_length_, in_row_ = 0;
-  std::size_t used_ = 0;
+  std::size_t used_ = 0, row_start_ = 0;
   std::unique_ptr<char[]> own_;
   std::span<char> text_;
 };
