@@ -75,10 +75,11 @@ SmallFchk strained(std::mt19937_64& random) {
     fields.shells.push_back({type, atom, {a, a * (1.0 + 1e-7)}, {c, -c}, {}});
     fields.shells.push_back({type, atom, {std::pow(10.0, number())}, {number()}, {}});
     fields.shells.push_back({0, atom, {2.0, 0.5}, {1.0, 1.0 + 1e-9 * i}, {}});  // no multiples, but nearly
+    fields.shells.push_back({0, 2, {0.3}, {std::pow(1e3, i % 3)}, {}});         // multiples
   }
   fields.coefficient = [seed = random()](unsigned i, unsigned j) {
     std::mt19937_64 generator(seed + 1000UL * i + j);
-    return std::uniform_real_distribution(-1.0, 1.0)(generator);
+    return std::uniform_real_distribution(-1.0, 1.0)(generator) * (i < 12 ? 1.0 : 1e4);
   };
   return fields;
 }
