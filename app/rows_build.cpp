@@ -12,6 +12,10 @@ namespace {
 
 constexpr unsigned chunk_orbitals = 96;
 
+// A radial that comes to less than this many times the rounding is left out: the more, the less there is to
+// add up, but the more values are in doubt. Of many orbitals some are much smaller than all together.
+constexpr double cut = 4.0, cut_of_many = 0x1p-8;
+
 // Keeps the products of norms and their factors within the range of doubles, with room for what underflows.
 constexpr double norm_square_min = 1e-280;
 
@@ -109,7 +113,7 @@ class Builder {
       function_max = std::max(function_max, radial.basis_count);
     }
     plan.rounding = rows_rounding(term_max, function_max);
-    plan.cut = (tables_.magnitudes.empty() ? 0.5 : 0x1p-20) * plan.rounding;
+    plan.cut = (tables_.magnitudes.empty() ? cut : cut_of_many) * plan.rounding;
     for (const RowRadial& radial : tables_.radials) {
       const std::span terms(tables_.terms.data() + radial.first_term, radial.term_count);
       for (RowTerm& term : terms) {
