@@ -67,11 +67,20 @@ constexpr bool is_exact(int power) { return power >= 0 && power <= 27; }  // 5^2
 constexpr int floor_log10_of_power2(int n) { return (n * 1262611) >> 22; }
 constexpr int floor_log2_of_power10(int n) { return (n * 1741647) >> 19; }
 
-constexpr auto two_digits = [] {
-  std::array<char, 200> table{};
-  for (std::size_t i = 0; i < 100; ++i) {
-    table[2 * i] = static_cast<char>('0' + i / 10);
-    table[2 * i + 1] = static_cast<char>('0' + i % 10);
+constexpr char digit(std::size_t number) { return static_cast<char>('0' + number % 10); }
+
+// The texts of all numbers below a thousand as they stand in a text: "1.00" to "9.99", "000e" to "999e".
+constexpr auto first_digits = [] {
+  std::array<std::array<char, 4>, 1000> table{};
+  for (std::size_t i = 100; i < 1000; ++i) {
+    table[i] = {digit(i / 100), '.', digit(i / 10), digit(i)};
+  }
+  return table;
+}();
+constexpr auto last_digits = [] {
+  std::array<std::array<char, 4>, 1000> table{};
+  for (std::size_t i = 0; i < 1000; ++i) {
+    table[i] = {digit(i / 100), digit(i / 10), digit(i), 'e'};
   }
   return table;
 }();
@@ -82,20 +91,12 @@ void put(bool negative, std::size_t digits, int exponent, char* text) {
   text[0] = ' ';
   char* const start = magnitude < 100 ? text + 1 : text;
   start[0] = negative ? '-' : ' ';
-  const std::size_t high = digits / 10000, low = digits % 10000;
-  start[1] = two_digits[2 * high];
-  start[2] = '.';
-  start[3] = two_digits[2 * high + 1];
-  std::memcpy(start + 4, &two_digits[2 * (low / 100)], 2);
-  std::memcpy(start + 6, &two_digits[2 * (low % 100)], 2);
-  start[8] = 'e';
+  std::memcpy(start + 1, &first_digits[digits / 1000], 4);
+  std::memcpy(start + 5, &last_digits[digits % 1000], 4);
   start[9] = exponent < 0 ? '-' : '+';
-  if (magnitude < 100) {
-    std::memcpy(start + 10, &two_digits[2 * magnitude], 2);
-  } else {
-    start[10] = static_cast<char>('0' + magnitude / 100);
-    std::memcpy(start + 11, &two_digits[2 * (magnitude % 100)], 2);
-  }
+  // Two or three digits.
+  std::memcpy(start + 10, &last_digits[magnitude][magnitude < 100 ? 1 : 0], 2);
+  text[12] = digit(magnitude);
 }
 
 // Zero, infinity, NaN, and values too near to a tie of two texts: right-aligned.
