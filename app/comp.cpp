@@ -141,7 +141,9 @@ void sweep_rows(const CubeDefinition* cube, RowSweep& rows, Sweep& exact, std::s
         pause = is_worth_while ? 0 : next_pause;
         next_pause = is_worth_while ? 0 : std::min(2 * next_pause + 1, pause_max);
       }
-      correct_row(cube, i, j, in_doubt, exact, texts);
+      if (!in_doubt.empty()) {
+        correct_row(cube, i, j, in_doubt, exact, texts);
+      }
       progress.show((i + static_cast<double>(j) / cube->npoints[1]) / cube->npoints[0]);
     }
   }
