@@ -136,7 +136,7 @@ void sweep_rows(const CubeDefinition* cube, RowSweep& rows, Sweep& exact, std::s
           text->put_row(rows.field(field), rows.tolerances(field), &in_doubt);
         }
         std::ranges::sort(in_doubt);
-        in_doubt.erase(std::ranges::unique(in_doubt).begin(), in_doubt.end());
+        in_doubt.erase(std::unique(in_doubt.begin(), in_doubt.end()), in_doubt.end());
         const bool is_worth_while = in_doubt.size() <= cube->npoints[2] / 4;
         pause = is_worth_while ? 0 : next_pause;
         next_pause = is_worth_while ? 0 : std::min(2 * next_pause + 1, pause_max);
