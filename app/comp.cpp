@@ -4,7 +4,6 @@
 #include <cmath>
 #include <deque>
 #include <new>
-#include <numeric>
 #include <vector>
 
 #include "cube_text.hpp"
@@ -77,73 +76,84 @@ struct FieldText {
   std::size_t field;
 };
 
-// Gives points to the exact sweep as long as next(points, room), which stores them as GridWalk::next does,
-// has any; take(count) may then have the fields.
-template <class Next, class Take>
-void sweep_exactly(Sweep& sweep, Next next, Take take) {
-  std::vector<double> points(3 * std::size_t{sweep.block_points()});
-  comp_bfce_vec = sweep.values();
-  while (const unsigned count = next(points.data(), sweep.block_points())) {
-    sweep.run(count, points.data());
-    take(count);
-  }
-  comp_bfce_vec = nullptr;
-}
+// The exact sweep, and room for the points of a block.
+struct ExactSweep {
+  ExactSweep(const Molecule* molecule, const CubeDefinition* cube, SweepField field,
+             std::span<const Orbital* const> orbitals)
+      : sweep(molecule, sweep_choose_kernel(), field, orbitals, cube_extent(cube)),
+        points(3 * std::size_t{sweep.block_points()}) {}
 
-// Gives the values of the last row anew whose numbers are in `in_doubt`.
-void correct_row(const CubeDefinition* cube, unsigned i, unsigned j, std::span<const unsigned> in_doubt,
-                 Sweep& sweep, std::span<const FieldText> texts) {
-  sweep_exactly(
-      sweep,
+  // Evaluates points as long as next(points, room), which stores them as GridWalk::next does, has any;
+  // take(count) may then have the fields.
+  template <class Next, class Take>
+  void run(Next next, Take take) {
+    comp_bfce_vec = sweep.values();
+    while (const unsigned count = next(points.data(), sweep.block_points())) {
+      sweep.run(count, points.data());
+      take(count);
+    }
+    comp_bfce_vec = nullptr;
+  }
+
+  Sweep sweep;
+  std::vector<double> points;
+};
+
+// Gives values of the last row anew, in all texts, where `in_doubt` is set.
+void correct_row(const CubeDefinition* cube, unsigned i, unsigned j, std::span<const unsigned char> in_doubt,
+                 ExactSweep& exact, std::span<const FieldText> texts) {
+  unsigned k = 0, first = 0;
+  exact.run(
       [&](double* points, unsigned room) {
-        const auto count = static_cast<unsigned>(std::min<std::size_t>(room, in_doubt.size()));
-        for (unsigned c = 0; c < 3; ++c) {
-          for (unsigned n = 0; n < count; ++n) {
-            points[std::size_t{c} * room + n] = cube_coordinate(cube, i, j, in_doubt[n], c);
+        unsigned count = 0;
+        for (first = k; k < in_doubt.size() && count < room; ++k) {
+          if (in_doubt[k] != 0) {
+            for (unsigned c = 0; c < 3; ++c) {
+              points[std::size_t{c} * room + count] = cube_coordinate(cube, i, j, k, c);
+            }
+            ++count;
           }
         }
         return count;
       },
-      [&](unsigned count) {
+      [&](unsigned) {
         for (const auto& [text, field] : texts) {
-          for (unsigned n = 0; n < count; ++n) {
-            text->correct(in_doubt[n], sweep.field(field)[n]);
+          const double* value = exact.sweep.field(field);
+          for (unsigned n = first; n < k; ++n) {
+            if (in_doubt[n] != 0) {
+              text->correct(n, *value++);
+            }
           }
         }
-        in_doubt = in_doubt.subspan(count);
       });
 }
 
 // All points of the grid by rows, which is cheaper; then the exact sweep decides what they leave in doubt.
 // Where that is much, row after row, they are not even tried for a while.
-void sweep_rows(const CubeDefinition* cube, RowSweep& rows, Sweep& exact, std::span<const FieldText> texts) {
+void sweep_rows(const CubeDefinition* cube, RowSweep& rows, ExactSweep& exact,
+                std::span<const FieldText> texts) {
   Progress progress;
-  std::vector<unsigned> in_doubt;
+  std::vector<unsigned char> in_doubt(cube->npoints[2]);
   unsigned pause = 0, next_pause = 0;
   for (unsigned i = 0; i < cube->npoints[0]; ++i) {
     for (unsigned j = 0; j < cube->npoints[1]; ++j) {
-      in_doubt.clear();
       if (pause > 0) {
         --pause;
-        in_doubt.resize(cube->npoints[2]);
-        std::iota(in_doubt.begin(), in_doubt.end(), 0U);
+        std::ranges::fill(in_doubt, 1);
         for (const FieldText& to : texts) {
           to.text->put_empty_row();
         }
       } else {
+        std::ranges::fill(in_doubt, 0);
         rows.run(i, j);
         for (const auto& [text, field] : texts) {
-          text->put_row(rows.field(field), rows.tolerances(field), &in_doubt);
+          text->put_row(rows.field(field), rows.tolerances(field), in_doubt);
         }
-        std::ranges::sort(in_doubt);
-        in_doubt.erase(std::unique(in_doubt.begin(), in_doubt.end()), in_doubt.end());
-        const bool is_worth_while = in_doubt.size() <= cube->npoints[2] / 4;
+        const bool is_worth_while = std::ranges::count(in_doubt, 1) <= cube->npoints[2] / 4;
         pause = is_worth_while ? 0 : next_pause;
         next_pause = is_worth_while ? 0 : std::min(2 * next_pause + 1, pause_max);
       }
-      if (!in_doubt.empty()) {
-        correct_row(cube, i, j, in_doubt, exact, texts);
-      }
+      correct_row(cube, i, j, in_doubt, exact, texts);
       progress.show((i + static_cast<double>(j) / cube->npoints[1]) / cube->npoints[0]);
     }
   }
@@ -151,22 +161,20 @@ void sweep_rows(const CubeDefinition* cube, RowSweep& rows, Sweep& exact, std::s
 
 void sweep_grid(const Molecule* molecule, const CubeDefinition* cube, SweepField field,
                 std::span<const Orbital* const> orbitals, std::span<const FieldText> texts) {
-  const SweepKernel& kernel = sweep_choose_kernel();
-  Sweep exact(molecule, kernel, field, orbitals, cube_extent(cube));
-  if (const auto rows = RowSweep::make(molecule, cube, kernel, field, orbitals)) {
+  ExactSweep exact(molecule, cube, field, orbitals);
+  if (const auto rows = RowSweep::make(molecule, cube, sweep_choose_kernel(), field, orbitals)) {
     sweep_rows(cube, *rows, exact, texts);
     return;
   }
   Progress progress;
   GridWalk walk(cube);
-  sweep_exactly(
-      exact, [&](double* points, unsigned room) { return walk.next(points, room); },
-      [&](unsigned count) {
-        for (const auto& [text, number] : texts) {
-          text->put({exact.field(number), count});
-        }
-        progress.show(walk.part_done());
-      });
+  exact.run([&](double* points, unsigned room) { return walk.next(points, room); },
+            [&](unsigned count) {
+              for (const auto& [text, number] : texts) {
+                text->put({exact.sweep.field(number), count});
+              }
+              progress.show(walk.part_done());
+            });
 }
 
 }  // namespace

@@ -31,8 +31,8 @@ struct OrbitalTexts {
   std::span<char> of(std::size_t orbital) const { return {texts.get() + orbital * text_size, text_size}; }
 };
 
-/// Room for `orbital_count` orbitals of `basis_count` coefficients, or for blocks of nearly equal size as 128
-/// MiB and the memory at hand allow.
+/// Room for one of the fewest blocks of nearly equal size that `orbital_count` orbitals of `basis_count`
+/// coefficients can be done in with at most 128 MiB; none if that memory is missing or too little for two.
 OrbitalTexts comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_count, unsigned basis_count);
 
 /// Makes the data of `count` orbitals in one sweep, each as comp_data writes it; there must be room for them.

@@ -58,10 +58,10 @@ void CubeText::put(std::span<const double> values) {
 }
 
 void CubeText::put_row(std::span<const double> values, std::span<const double> tolerances,
-                       std::vector<unsigned>* in_doubt) {
+                       std::span<unsigned char> in_doubt) {
   put_values(row_length_, 0, row_length_, add_row(), [&](std::size_t n, char* to) {
     if (!str_scientific_sure(values[n], tolerances[n], to)) {
-      in_doubt->push_back(static_cast<unsigned>(n));
+      in_doubt[n] = 1;
     }
   });
 }

@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <memory>
 #include <span>
-#include <vector>
 
 #include "grid.hpp"
 
@@ -27,15 +26,15 @@ class CubeText {
   /// Appends values; rows end where they are full.
   void put(std::span<const double> values);
 
-  /// Appends a whole row of values that are known to a relative tolerance each. Where that leaves a text in
-  /// doubt, adds the number of the value to `in_doubt`, and `correct` is to follow.
+  /// Appends a row of values that are known to a relative tolerance each, behind whole rows only. Where that
+  /// leaves a text in doubt, `in_doubt` is set for the value, and `correct` is to follow.
   void put_row(std::span<const double> values, std::span<const double> tolerances,
-               std::vector<unsigned>* in_doubt);
+               std::span<unsigned char> in_doubt);
 
-  /// Appends a whole row, each value of which is to follow by `correct`.
+  /// Appends a row each value of which is to follow by `correct`, behind whole rows only.
   void put_empty_row();
 
-  /// Gives a value of the last row anew, by its number in the row.
+  /// Gives a value of that row anew, by its number in the row.
   void correct(unsigned number, double value);
 
  private:

@@ -12,17 +12,18 @@ namespace {
 
 constexpr unsigned chunk_orbitals = 96;
 
-// A radial that comes to less than this many times the rounding is left out: the more, the less there is to
-// add up, but the more values are in doubt. Of many orbitals some are much smaller than all together.
+// A radial that comes to less of a tile's total than so many roundings is left out: the more, the less there
+// is to add up, but the more values are in doubt. The total of many orbitals is made of the largest
+// coefficients of any of them, and some orbitals come to much less.
 constexpr double cut = 4.0, cut_of_many = 0x1p-8;
 
 // Keeps the products of norms and their factors within the range of doubles, with room for what underflows.
 constexpr double norm_square_min = 1e-280;
 
-class Builder {
+class OrbitalBuilder {
  public:
-  Builder(const Molecule* molecule, const RowKernel& kernel, std::span<const Orbital* const> orbitals,
-          RowTables* tables)
+  OrbitalBuilder(const Molecule* molecule, const RowKernel& kernel, std::span<const Orbital* const> orbitals,
+                 RowTables* tables)
       : molecule_(molecule), kernel_(kernel), orbitals_(orbitals), tables_(*tables) {}
 
   bool build(std::span<const RowPart> parts) {
@@ -178,7 +179,7 @@ std::unique_ptr<RowTables> rows_build(const Molecule* molecule, const CubeDefini
   RowPlan& plan = tables->plan;
   plan.field = field;
   const auto parts = rows_functions(molecule, cube, kernel, tables.get());
-  if (!parts || !Builder(molecule, kernel, orbitals, tables.get()).build(*parts)) {
+  if (!parts || !OrbitalBuilder(molecule, kernel, orbitals, tables.get()).build(*parts)) {
     return nullptr;
   }
   plan.atom_count = molecule->atom_count;

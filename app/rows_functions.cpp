@@ -42,9 +42,10 @@ struct Radial {
   std::map<Powers, unsigned> monomials;  // their numbers, in the order of the power along
 };
 
-class Builder {
+class FunctionBuilder {
  public:
-  Builder(const Molecule* molecule, const CubeDefinition* cube, const RowKernel& kernel, RowTables* tables)
+  FunctionBuilder(const Molecule* molecule, const CubeDefinition* cube, const RowKernel& kernel,
+                  RowTables* tables)
       : molecule_(molecule), cube_(cube), kernel_(kernel), tables_(*tables) {}
 
   bool build() {
@@ -274,6 +275,6 @@ class Builder {
 
 std::optional<std::vector<RowPart>> rows_functions(const Molecule* molecule, const CubeDefinition* cube,
                                                    const RowKernel& kernel, RowTables* tables) {
-  Builder builder(molecule, cube, kernel, tables);
+  FunctionBuilder builder(molecule, cube, kernel, tables);
   return builder.build() ? std::optional(builder.take_parts()) : std::nullopt;
 }

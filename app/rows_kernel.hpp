@@ -23,7 +23,7 @@ class RowPass {
  private:
   static constexpr unsigned tile_points = TilePacks * Real::lanes;
   static constexpr unsigned piece_tiles = 128 / tile_points;
-  static constexpr unsigned any_tile = piece_tiles;                  // where lists are by tile
+  static constexpr unsigned any_tile = piece_tiles;  // the list of what is used in at least one tile
   static constexpr unsigned tile_packs = piece_tiles / Real::lanes;  // with a tile in each lane
   static_assert(tile_packs * Real::lanes * tile_points == 128);
 

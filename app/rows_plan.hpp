@@ -89,7 +89,7 @@ struct RowPiece {
   double* peaks;        // [row function][tile]: no value of the function is larger in magnitude
   double* shares;       // [radial][norm][tile]: at most so much comes from the radial
   RowUse* uses;         // [radial]
-  unsigned* functions;  // [tile][...]: the row functions that are not left out, at last in any tile
+  unsigned* functions;  // [tile][...]: the row functions that are not left out; at last those used in any
   double* values;       // [tile][row function][point of the tile]
   double *coefficients, *magnitudes;  // [row function][orbital]: collapsed
 };

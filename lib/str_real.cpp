@@ -69,7 +69,7 @@ constexpr int floor_log2_of_power10(int n) { return (n * 1741647) >> 19; }
 
 constexpr char digit(std::size_t number) { return static_cast<char>('0' + number % 10); }
 
-// The texts of all numbers below a thousand as they stand in a text: "1.00" to "9.99", "000e" to "999e".
+// Three digits as they stand in a text, first ("1.00" to "9.99", by 100 to 999) and last ("000e" to "999e").
 constexpr auto first_digits = [] {
   std::array<std::array<char, 4>, 1000> table{};
   for (std::size_t i = 100; i < 1000; ++i) {
@@ -94,7 +94,7 @@ void put(bool negative, std::size_t digits, int exponent, char* text) {
   std::memcpy(start + 1, &first_digits[digits / 1000], 4);
   std::memcpy(start + 5, &last_digits[digits % 1000], 4);
   start[9] = exponent < 0 ? '-' : '+';
-  // Two or three digits.
+  // Two digits, the second of which is the last, or three.
   std::memcpy(start + 10, &last_digits[magnitude][magnitude < 100 ? 1 : 0], 2);
   text[12] = digit(magnitude);
 }

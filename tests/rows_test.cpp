@@ -124,14 +124,14 @@ TEST(Rows, KeepWithinTheirTolerance) {
   EXPECT_GT(found.known, 5 * found.unknown);
 }
 
-// Many functions, each just too small to be kept, which together are more than all rounding; also in an
-// orbital that counts for the potential only.
+// Many functions, each too small to be kept, which together are more than all rounding; also in an orbital
+// that counts for the potential only.
 TEST(Rows, CountWhatTheyLeaveOut) {
   SmallFchk fields;
   for (unsigned i = 0; i < 300; ++i) {
     fields.shells.push_back({0, 1, {1.0 + 0.001 * i}, {1.0}, {}});
   }
-  for (const auto& row : {std::pair{1e-14, -1.0}, {2e-14, -1.0}, {3e-15, -1.0}, {1e-14, -1e20}}) {
+  for (const auto& row : {std::pair{1e-14, -1.0}, {5e-13, -1.0}, {3e-15, -1.0}, {1e-14, -1e20}}) {
     const double small = row.first, energy = row.second;
     fields.coefficient = [&](unsigned i, unsigned j) {
       return j >= 5 ? small : i == 0 || energy == -1.0 ? 1.0 : 0.0;
@@ -147,6 +147,20 @@ TEST(Rows, CountWhatTheyLeaveOut) {
                               occupied_orbitals(molecule.get()), &found);
     });
   }
+}
+
+// What counts for an orbital in one end of a row is not what counts in the other.
+TEST(Rows, BoundOrbitalsInEachTile) {
+  SmallFchk fields = {.shells = {{0, 1, {3.1, 1.3}, {0.7, 0.4}, {}}, {0, 2, {2.7, 0.9}, {0.6, 0.5}, {}}}};
+  fields.atoms = {{3, {0, 0, 0}}, {1, {0, 0, 12}}};
+  const auto molecule = read_text(fcheck_read, fchk_text(fields));
+  const CubeDefinition cube = {{2, 2, 120}, {{0.1, 0.2, -0.3}}, {{0.3, 0, 0}, {0, 0.3, 0}, {0, 0, 0.1}}};
+  with_every_kernel([&](const char*) {
+    Found found;
+    expect_within_tolerance(*molecule, cube, SweepField::orbital,
+                            {molecule->alpha_orbitals, molecule->alpha_orbitals + 1}, &found);
+    EXPECT_EQ(found.unknown, 0U);
+  });
 }
 
 // A point of each grid is made to have a density, or an orbital a value, that is a tie of two texts.

@@ -253,8 +253,8 @@ TEST_F(Run, OrbitalsOfTheSecondBlockAreThemselves) {
   for (const char* name : {"out.orb.1a", "out.orb.2a", "out.orb.3a", "out.orb.4a"}) {
     std::filesystem::create_symlink("/dev/null", here / name);
   }
-  const std::string large =  // four orbitals take all memory of a block
-      "CUBE_ORVA 0\nCUBE_TOT_DENSITY 0\nDEFINE_CUBE 1\n0 0 0\n1 0 0\n0 .01 0\n0 0 .01\n1 1300 1300\n";
+  const std::string large =  // so large that blocks have three and two orbitals
+      "CUBE_ORVA 0\nCUBE_TOT_DENSITY 0\nDEFINE_CUBE 1\n0 0 0\n1 0 0\n0 .01 0\n0 0 .01\n1 1500 1500\n";
   report(large + "CUBE_ALL_MO 1");
   report(large + "CUBE_ONE_MO 1\nCUBE_ONE_SPEC 5");
   EXPECT_TRUE(read_file(here / "out.orb.5a") == read_file(here / "out.orb"));
