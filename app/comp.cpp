@@ -79,7 +79,7 @@ struct FieldText {
 // The exact sweep, and room for the points of a block.
 struct ExactSweep {
   ExactSweep(const Molecule* molecule, const CubeDefinition* cube, SweepField field,
-             std::span<const Orbital* const> orbitals)
+             std::span<const WeightedOrbital> orbitals)
       : sweep(molecule, sweep_choose_kernel(), field, orbitals, cube_extent(cube)),
         points(3 * std::size_t{sweep.block_points()}) {}
 
@@ -160,7 +160,7 @@ void sweep_rows(const CubeDefinition* cube, RowSweep& rows, ExactSweep& exact,
 }
 
 void sweep_grid(const Molecule* molecule, const CubeDefinition* cube, SweepField field,
-                std::span<const Orbital* const> orbitals, std::span<const FieldText> texts) {
+                std::span<const WeightedOrbital> orbitals, std::span<const FieldText> texts) {
   ExactSweep exact(molecule, cube, field, orbitals);
   if (const auto rows = RowSweep::make(molecule, cube, sweep_choose_kernel(), field, orbitals)) {
     sweep_rows(cube, *rows, exact, texts);
@@ -185,8 +185,9 @@ void comp_data(const Molecule* molecule, const CubeDefinition* cube, std::int16_
   const SweepField field = code == field_orbital_density ? SweepField::orbital_density
                            : is_single                   ? SweepField::orbital
                                                          : SweepField::density_and_potential;
-  const std::vector<const Orbital*> orbitals =
-      is_single ? std::vector{orbital_of(molecule, code, orbital)} : occupied_orbitals(molecule);
+  const std::vector<WeightedOrbital> orbitals =
+      is_single ? std::vector<WeightedOrbital>{orbital_of(molecule, code, orbital)}
+                : occupation_of(molecule).orbitals;
   CubeText first_text(first, cube->npoints[2]), second_text(second, cube->npoints[2]);
   const FieldText texts[] = {{&first_text, code == field_potential ? 1U : 0U}, {&second_text, 1}};
   sweep_grid(molecule, cube, field, orbitals,
@@ -214,11 +215,11 @@ OrbitalTexts comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_cou
 
 void comp_orbital_texts(const Molecule* molecule, const CubeDefinition* cube, const Orbital* orbitals,
                         unsigned count, OrbitalTexts* result) {
-  std::vector<const Orbital*> list(count);
-  std::ranges::generate(list, [&] { return orbitals++; });
+  std::vector<WeightedOrbital> list;
   std::deque<CubeText> texts;
   std::vector<FieldText> field_texts;
   for (unsigned i = 0; i < count; ++i) {
+    list.emplace_back(&orbitals[i]);
     field_texts.push_back({&texts.emplace_back(result->of(i), cube->npoints[2]), i});
   }
   sweep_grid(molecule, cube, SweepField::orbital, list, field_texts);

@@ -62,6 +62,11 @@ std::string orbital_file_name(std::int16_t code, unsigned number) {
   return numbered_name(glob_cube_file_orb, code, number);
 }
 
+// Orbitals of the spin of a field: beta if it is that of beta orbitals.
+unsigned orbital_count_of(const Molecule* molecule, std::int16_t code) {
+  return code == field_beta_orbital ? molecule->beta_orbital_count : molecule->alpha_orbital_count;
+}
+
 // The codes of the orbitals' files: alpha, and beta of an unrestricted wavefunction.
 std::span<const std::int16_t> orbital_codes() {
   static constexpr std::array<std::int16_t, 2> codes = {field_alpha_orbital, field_beta_orbital};
@@ -73,7 +78,7 @@ std::span<const std::int16_t> orbital_codes() {
 // cannot be opened need not wait for the block.
 void write_all_orbitals(const Molecule* molecule, const CubeDefinition* cube, std::FILE* report,
                         std::int16_t code) {
-  const unsigned orbital_count = molecule->basis_count;
+  const unsigned orbital_count = orbital_count_of(molecule, code);
   const Orbital* const orbitals =
       code == field_beta_orbital ? molecule->beta_orbitals : molecule->alpha_orbitals;
   OrbitalTexts block = comp_orbital_alloc(cube, orbital_count, molecule->basis_count);
@@ -119,18 +124,21 @@ void cube_print_params(const Molecule* molecule, const CubeDefinition* cube, std
 
 void cube_check(const Molecule* molecule, std::int16_t code) {
   constexpr std::int16_t number_max = std::numeric_limits<std::int16_t>::max();
-  if (code == field_all_orbitals && molecule->basis_count > unsigned{number_max}) {
+  if (code == field_all_orbitals &&
+      std::max(molecule->alpha_orbital_count, molecule->beta_orbital_count) > unsigned{number_max}) {
     msg_fatal_format("invalid value in config file - at most %d orbitals can be written one file each",
                      number_max);
   }
+  const bool wants_beta = code == field_one_orbital && conf_cube_onety != 0;
   if (code == field_one_orbital || code == field_orbital_density) {
     const std::int16_t orbital = code == field_one_orbital ? conf_cube_onesp : conf_cube_moden;
-    if (orbital < 1 || static_cast<unsigned>(orbital) > molecule->basis_count) {
-      msg_fatal_format("invalid value in config file - number of orbital from 1 to %u expected",
-                       molecule->basis_count);
+    const bool has_beta = wants_beta && inp_rest_scf == 0;
+    const unsigned last = orbital_count_of(molecule, has_beta ? field_beta_orbital : field_alpha_orbital);
+    if (orbital < 1 || static_cast<unsigned>(orbital) > last) {
+      msg_fatal_format("invalid value in config file - number of orbital from 1 to %u expected", last);
     }
   }
-  if (code == field_one_orbital && conf_cube_onety != 0 && inp_rest_scf != 0) {
+  if (wants_beta && inp_rest_scf != 0) {
     msg_fatal("invalid value in config file - no beta orbitals in restricted wavefunction");
   }
   sweep_choose_kernel();
@@ -143,7 +151,7 @@ std::vector<std::string> cube_file_names(const Molecule* molecule, std::int16_t 
       return {glob_cube_file_tot};
     case field_all_orbitals:
       for (const std::int16_t spin : orbital_codes()) {
-        for (unsigned n = 1; n <= molecule->basis_count; ++n) {
+        for (unsigned n = 1; n <= orbital_count_of(molecule, spin); ++n) {
           names.push_back(orbital_file_name(spin, n));
         }
       }

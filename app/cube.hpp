@@ -14,7 +14,7 @@
 // Codes are those of FieldCode.
 
 /// Ends the run if the files of a kind of field cannot be written, whatever the files are: for one orbital or
-/// its density, a number outside 1 to basis_count, or a beta orbital of a restricted wavefunction; for all
+/// its density, a number outside those of its spin, or a beta orbital of a restricted wavefunction; for all
 /// orbitals, more than 16 bits can number; a kernel that is not available.
 void cube_check(const Molecule* molecule, std::int16_t code);
 

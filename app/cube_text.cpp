@@ -60,7 +60,12 @@ void CubeText::put(std::span<const double> values) {
 void CubeText::put_row(std::span<const double> values, std::span<const double> tolerances,
                        std::span<unsigned char> in_doubt) {
   put_values(row_length_, 0, row_length_, add_row(), [&](std::size_t n, char* to) {
-    if (!str_scientific_sure(values[n], tolerances[n], to)) {
+    if (str_scientific_sure(values[n], tolerances[n], to)) {
+      return;
+    }
+    if (values[n] == 0.0 && tolerances[n] == 0.0) {
+      str_scientific(values[n], to);
+    } else {
       in_doubt[n] = 1;
     }
   });

@@ -1,6 +1,5 @@
 #include "eval.hpp"
 
-#include "occupation.hpp"
 #include "prim.hpp"
 
 namespace {
@@ -8,11 +7,9 @@ namespace {
 OccupiedSums<double> occupied_sums(const Molecule* molecule, const double* values,
                                    const Occupation& occupation) {
   OccupiedSums<double> sums;
-  for (const OccupiedOrbitals& spin : occupation.spin) {
-    for (unsigned i = 0; i < spin.count; ++i) {
-      const Orbital* orbital = &spin.orbitals[i];
-      sums.add(eval_mo(orbital, values, molecule->basis_count), eval_weight(orbital));
-    }
+  for (const WeightedOrbital& occupied : occupation.orbitals) {
+    sums.add(eval_mo(occupied.orbital, values, molecule->basis_count), occupied.weight,
+             eval_energy_weight(occupied));
   }
   return sums;
 }

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "memory.hpp"
+#include "occupation.hpp"
 
 // Fields from the wavefunction at a point. The formulas are templates over the number type: one double here,
 // packs of points in the sweep.
@@ -58,23 +59,25 @@ Real eval_square(const Real& value) {
   return value * value;
 }
 
-/// Sums over the occupied orbitals, in order: Σ|φ|² and Σ|ε||φ|².
+/// Sums over the occupied orbitals, in order: Σ n|φ|² and Σ n|ε||φ|², n the weight of each.
 template <class Real>
 struct OccupiedSums {
   Real density = 0.0;
   Real weighted = 0.0;
 
-  void add(const Real& value, double energy_magnitude) {
+  void add(const Real& value, double weight, double energy_weight) {
     const Real orbital_density = eval_square(value);
-    density = density + orbital_density;
-    weighted = weighted + energy_magnitude * orbital_density;
+    density = density + weight * orbital_density;
+    weighted = weighted + energy_weight * orbital_density;
   }
 };
 
-/// How an orbital weighs in the average local ionization potential: |ε|, hartree.
-inline double eval_weight(const Orbital* orbital) { return std::fabs(orbital->energy); }
+/// How an orbital weighs in the average local ionization potential: n|ε|, hartree.
+inline double eval_energy_weight(const WeightedOrbital& occupied) {
+  return occupied.weight * std::fabs(occupied.orbital->energy);
+}
 
-/// Total density of the sums: doubly occupied orbitals count twice.
+/// Total density of the sums: those over pairs count twice.
 template <class Real>
 Real eval_total(const OccupiedSums<Real>& sums, bool is_restricted) {
   return is_restricted ? sums.density + sums.density : sums.density;
@@ -83,7 +86,7 @@ Real eval_total(const OccupiedSums<Real>& sums, bool is_restricted) {
 /// Where nothing is occupied: a NaN without a sign, which that of 0/0 may have.
 inline constexpr double eval_undefined = std::numeric_limits<double>::quiet_NaN();
 
-/// Average local ionization potential Σ|ε||φ|² / Σ|φ|², hartree (P. Sjoberg, J. S. Murray, T. Brinck,
+/// Average local ionization potential Σ n|ε||φ|² / Σ n|φ|², hartree (P. Sjoberg, J. S. Murray, T. Brinck,
 /// P. Politzer, Can. J. Chem. 68, 1440, 1990). NaN where the density is 0.
 template <class Real>
 Real eval_potential(const OccupiedSums<Real>& sums, bool has_no_pairs) {

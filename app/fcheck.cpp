@@ -12,7 +12,6 @@
 #include "file.hpp"
 #include "memory.hpp"
 #include "message.hpp"
-#include "occupation.hpp"
 #include "reader.hpp"
 #include "reorder.hpp"
 #include "setup.hpp"
@@ -114,7 +113,7 @@ unsigned length(const Molecule& molecule) {
 }
 
 // A restricted wavefunction has no place for beta orbitals.
-unsigned beta_length(const Molecule& molecule) { return inp_rest_scf != 0 ? 0 : molecule.basis_count; }
+unsigned beta_length(const Molecule& molecule) { return inp_rest_scf != 0 ? 0 : molecule.beta_orbital_count; }
 
 template <class Number>
 void read_values(Input& input, const Section& section, Number* values, unsigned count) {
@@ -303,10 +302,11 @@ void check_sections(Input& input) {
 }
 
 void check_electrons(const Molecule& molecule) {
-  for (const OccupiedOrbitals& spin : occupation_of(&molecule).spin) {
-    if (spin.count > molecule.basis_count) {
-      msg_fatal("number of electrons exceeds number of orbitals in fchk file");
-    }
+  const bool exceeds = inp_rest_scf != 0 ? molecule.electron_count / 2 > molecule.alpha_orbital_count
+                                         : molecule.alpha_electron_count > molecule.alpha_orbital_count ||
+                                               molecule.beta_electron_count > molecule.beta_orbital_count;
+  if (exceeds) {
+    msg_fatal("number of electrons exceeds number of orbitals in fchk file");
   }
 }
 

@@ -11,15 +11,29 @@
 
 namespace {
 
-Orbital* allocate_orbitals(std::size_t count, std::size_t listed, const char* failure) {
+// All orbitals but the first `listed` share one vector.
+Orbital* allocate_orbitals(std::size_t count, std::size_t listed, std::size_t basis_count,
+                           const char* failure) {
   auto* orbitals = allocate<Orbital>(count, failure);
   const std::size_t vector_count = std::min(count, listed + 1);
-  auto* coefficients = allocate<double>(vector_count * count, vec_falloc_failure);
+  auto* coefficients = allocate<double>(vector_count * basis_count, vec_falloc_failure);
   orbitals[0].coefficients = coefficients;  // there is room for one even if the count is 0
   for (std::size_t i = 1; i < count; ++i) {
-    orbitals[i].coefficients = coefficients + std::min(i, listed) * count;
+    orbitals[i].coefficients = coefficients + std::min(i, listed) * basis_count;
   }
   return orbitals;
+}
+
+void allocate_alpha(Molecule* molecule, unsigned count, unsigned listed) {
+  molecule->alpha_orbital_count = count;
+  molecule->alpha_orbitals = allocate_orbitals(count, listed, molecule->basis_count,
+                                               "cannot allocate memory for alpha molecular orbitals");
+}
+
+void allocate_beta(Molecule* molecule, unsigned count, unsigned listed) {
+  molecule->beta_orbital_count = count;
+  molecule->beta_orbitals = allocate_orbitals(count, listed, molecule->basis_count,
+                                              "cannot allocate memory for beta molecular orbitals");
 }
 
 void free_orbitals(Orbital* orbitals) {
@@ -57,14 +71,14 @@ const Atom* mem_centre(const Molecule* molecule, unsigned number) {
 void mem_alloc_orbitals(Molecule* molecule) { mem_alloc_listed_orbitals(molecule, molecule->basis_count); }
 
 void mem_alloc_listed_orbitals(Molecule* molecule, unsigned listed) {
-  const unsigned count = molecule->basis_count;
-  molecule->alpha_orbitals =
-      allocate_orbitals(count, listed, "cannot allocate memory for alpha molecular orbitals");
+  allocate_alpha(molecule, molecule->basis_count, listed);
   if (inp_rest_scf == 0) {
-    molecule->beta_orbitals =
-        allocate_orbitals(count, listed, "cannot allocate memory for beta molecular orbitals");
+    allocate_beta(molecule, molecule->basis_count, listed);
   }
 }
+
+void mem_alloc_alpha_orbitals(Molecule* molecule, unsigned count) { allocate_alpha(molecule, count, count); }
+void mem_alloc_beta_orbitals(Molecule* molecule, unsigned count) { allocate_beta(molecule, count, count); }
 
 void mem_alloc_basis(Molecule* molecule) {
   molecule->basis =

@@ -12,6 +12,7 @@ struct Atom {
 struct Orbital {
   double energy;         // hartree
   double* coefficients;  // one per basis function
+  double occupation;     // electrons, if Molecule::has_occupations
 };
 
 /// A function of a shell of a type of shell.hpp.
@@ -33,7 +34,7 @@ struct Molecule {
   unsigned beta_electron_count;
   int charge;
   unsigned multiplicity;
-  unsigned basis_count;  // basis functions, orbitals of each spin, length of every coefficient vector
+  unsigned basis_count;  // basis functions, length of every coefficient vector
   unsigned primitive_count;
   unsigned shell_count;
   char title[1024];
@@ -41,6 +42,9 @@ struct Molecule {
   Orbital* alpha_orbitals;  // or the orbitals of a restricted wavefunction
   Orbital* beta_orbitals;   // null for a restricted wavefunction
   BasisFunction* basis;
+  unsigned alpha_orbital_count;
+  unsigned beta_orbital_count;
+  bool has_occupations;  // of each orbital; else the counts of electrons tell which are occupied
 };
 
 /// All counts 0, all pointers null, no title.
@@ -53,7 +57,7 @@ void mem_alloc_atoms(Molecule* molecule);
 /// "shell atom index exceedes number of atoms".
 const Atom* mem_centre(const Molecule* molecule, unsigned number);
 
-/// `basis_count` orbitals of `basis_count` zero coefficients, for both spins if inp_rest_scf is 0.
+/// As many orbitals as basis functions, with zero coefficients, for both spins if inp_rest_scf is 0.
 /// The coefficient vectors of a spin lie back to back in one block, released with the first of them.
 /// Without memory the run ends with "cannot allocate memory for alpha molecular orbitals" (or beta).
 void mem_alloc_orbitals(Molecule* molecule);
@@ -62,6 +66,10 @@ void mem_alloc_orbitals(Molecule* molecule);
 /// which nobody may change. A file of many primitives and few orbitals would else cost the square of the
 /// former.
 void mem_alloc_listed_orbitals(Molecule* molecule, unsigned listed);
+
+/// `count` orbitals of one spin.
+void mem_alloc_alpha_orbitals(Molecule* molecule, unsigned count);
+void mem_alloc_beta_orbitals(Molecule* molecule, unsigned count);
 
 /// `basis_count` zeroed basis functions. Without memory the run ends with
 /// "cannot allocate memory for basis functions".

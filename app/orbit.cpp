@@ -1,5 +1,6 @@
 #include "orbit.hpp"
 
+#include <algorithm>
 #include <vector>
 
 #include "mat_print.hpp"
@@ -9,11 +10,10 @@ void orbit_print_mo(const Molecule* molecule, std::FILE* stream, std::int16_t sp
   if (spin != orbit_alpha && spin != orbit_beta) {
     msg_fatal("invalid code in function orbit_print_mo");
   }
-  const Orbital* orbitals = spin == orbit_alpha ? molecule->alpha_orbitals : molecule->beta_orbitals;
-  std::vector<double*> rows;
-  rows.reserve(molecule->basis_count);
-  for (unsigned i = 0; i < molecule->basis_count; ++i) {
-    rows.push_back(orbitals[i].coefficients);
-  }
-  mat_ffprint_sc(stream, rows.data(), molecule->basis_count, width);
+  const bool is_alpha = spin == orbit_alpha;
+  const Orbital* const orbitals = is_alpha ? molecule->alpha_orbitals : molecule->beta_orbitals;
+  std::vector<const double*> rows(is_alpha ? molecule->alpha_orbital_count : molecule->beta_orbital_count);
+  std::transform(orbitals, orbitals + rows.size(), rows.begin(),
+                 [](const Orbital& orbital) { return orbital.coefficients; });
+  mat_ffprint_blocks(stream, rows.data(), static_cast<unsigned>(rows.size()), molecule->basis_count, width);
 }

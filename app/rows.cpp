@@ -5,7 +5,6 @@
 #include <cstring>
 #include <new>
 
-#include "occupation.hpp"
 
 namespace {
 
@@ -30,7 +29,7 @@ const RowKernel& kernel_like(const SweepKernel& exact) {
 
 std::unique_ptr<RowSweep> RowSweep::make(const Molecule* molecule, const CubeDefinition* cube,
                                          const SweepKernel& kernel, SweepField field,
-                                         std::span<const Orbital* const> orbitals) try {
+                                         std::span<const WeightedOrbital> orbitals) try {
   const RowKernel& row_kernel = kernel_like(kernel);
   std::unique_ptr<RowTables> tables = rows_build(molecule, cube, row_kernel, field, orbitals);
   if (tables == nullptr) {

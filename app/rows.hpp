@@ -6,6 +6,7 @@
 #include "aligned.hpp"
 #include "grid.hpp"
 #include "memory.hpp"
+#include "occupation.hpp"
 #include "rows_build.hpp"
 
 // Fields at the points of whole rows, cheaper than the exact sweep gives them and with a bound of how far
@@ -18,7 +19,7 @@ class RowSweep {
   /// that of the exact sweep, for whose instruction set rows are then evaluated.
   static std::unique_ptr<RowSweep> make(const Molecule* molecule, const CubeDefinition* cube,
                                         const SweepKernel& kernel, SweepField field,
-                                        std::span<const Orbital* const> orbitals);
+                                        std::span<const WeightedOrbital> orbitals);
 
   /// Evaluates the fields in the row of the first two indices.
   void run(unsigned i, unsigned j);

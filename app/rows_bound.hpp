@@ -28,11 +28,12 @@
 // and once for its rounding in the exact sweep. Underflow costs less than 10^-240, which the tail covers, and
 // no smaller value is sure (what is not ordinary is left to the exact sweep).
 //
-// For sums over orbitals, let Δ be the same bound with the norm of the vector C_f over the orbitals in place
-// of |C_fo|: by the triangle inequality the vector of the errors of all orbitals is not longer. With s = Σ
-// φ_o² from the rows, the exact sweep's differs by at most 2 √s Δ + 3 Δ² and the rounding of both sums over m
-// orbitals, (2 m + 8) u s. Σ |ε_o| φ_o² is the same with norms over √|ε_o| C_fo; the relative tolerance of a
-// quotient is the sum of both.
+// For sums over orbitals with weights n_o >= 0, let Δ be the same bound with the norm of the vector √n_o C_fo
+// over the orbitals in place of |C_fo|: by the triangle inequality the vector of the errors of all √n_o φ_o
+// is not longer. With s = Σ n_o φ_o² from the rows, the exact sweep's differs by at most 2 √s Δ + 3 Δ² and
+// the rounding of both sums over m orbitals, of the squares in them and their products with n_o, (2 m + 8) u
+// s. Σ n_o |ε_o| φ_o² is the same with norms over √(n_o |ε_o|) C_fo; the relative tolerance of a quotient is
+// the sum of both.
 
 inline constexpr double rows_unit = 0x1p-53;
 inline constexpr double rows_argument_max = 48.0;
@@ -52,8 +53,8 @@ constexpr double rows_rounding(double term_max, double function_max) {
 }
 inline constexpr double rows_rounding_of_summand = rows_margin * rows_unit;
 
-/// Relative tolerance of Σ φ_o² or Σ |ε_o| φ_o² over `count` orbitals with the bound Δ; infinite if the sum
-/// is 0.
+/// Relative tolerance of Σ n_o φ_o² or Σ n_o |ε_o| φ_o² over `count` orbitals with the bound Δ; infinite if
+/// the sum is 0.
 [[gnu::always_inline]] inline double rows_sum_tolerance(double bound, double sum, unsigned count) {
   const double relative = rows_margin * bound / std::sqrt(sum);
   return (2.0 + 3.0 * relative) * relative + (2.0 * count + 8.0) * rows_unit;

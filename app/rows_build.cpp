@@ -22,7 +22,7 @@ constexpr double norm_square_min = 1e-280;
 
 class OrbitalBuilder {
  public:
-  OrbitalBuilder(const Molecule* molecule, const RowKernel& kernel, std::span<const Orbital* const> orbitals,
+  OrbitalBuilder(const Molecule* molecule, const RowKernel& kernel, std::span<const WeightedOrbital> orbitals,
                  RowTables* tables)
       : molecule_(molecule), kernel_(kernel), orbitals_(orbitals), tables_(*tables) {}
 
@@ -48,20 +48,25 @@ class OrbitalBuilder {
     tables_.coefficients.resize(size * plan.chunk_count);
     const bool has_bounds = plan.field != SweepField::density_and_potential && count > 1;
     tables_.magnitudes.resize(has_bounds ? tables_.coefficients.size() : 0);
-    for (const Orbital* orbital : orbitals_) {
-      if (!rows_is_ordinary(orbital->energy) ||
+    for (const WeightedOrbital& entry : orbitals_) {
+      const auto& [orbital, weight] = entry;
+      // Of sums with negative terms nothing is known relative to the sum.
+      if (!(weight >= 0.0) || !rows_is_ordinary(weight) || !rows_is_ordinary(orbital->energy) ||
           !std::ranges::all_of(std::span(orbital->coefficients, molecule_->basis_count), rows_is_ordinary)) {
         return false;
       }
-      tables_.energy_magnitudes.push_back(eval_weight(orbital));
+      tables_.weights.push_back(weight);
+      tables_.energy_weights.push_back(eval_energy_weight(entry));
     }
+    plan.has_energies =
+        std::ranges::any_of(tables_.energy_weights, [](double weight) { return weight != 0.0; });
     for (unsigned c = 0; c < plan.chunk_count; ++c) {
       const unsigned first = c * count / plan.chunk_count, end = (c + 1) * count / plan.chunk_count;
       tables_.chunks.push_back({end - first,
                                 (end - first + kernel_.tile_orbitals - 1) / kernel_.tile_orbitals,
                                 tables_.coefficients.data() + c * size,
                                 has_bounds ? tables_.magnitudes.data() + c * size : nullptr,
-                                tables_.energy_magnitudes.data() + first});
+                                tables_.weights.data() + first, tables_.energy_weights.data() + first});
     }
     plan.chunks = tables_.chunks.data();
     return true;
@@ -76,7 +81,7 @@ class OrbitalBuilder {
       for (unsigned c = 0; c < plan.chunk_count; ++c) {
         const std::size_t at = c * size + part.monomial * std::size_t{plan.stride};
         for (unsigned k = 0; k < tables_.chunks[c].count; ++k, ++o) {
-          const double coefficient = orbitals_[o]->coefficients[part.function];
+          const double coefficient = orbitals_[o].orbital->coefficients[part.function];
           tables_.coefficients[at + k] += part.factor * coefficient;
           if (!tables_.magnitudes.empty()) {
             tables_.magnitudes[at + k] += part.magnitude * std::fabs(coefficient);
@@ -91,15 +96,15 @@ class OrbitalBuilder {
     }
   }
 
-  // Of a function's coefficients: the length of their vector over all orbitals, without and with the weights
-  // of the potential; for orbitals of their own, the largest magnitude and nothing.
+  // Of a function's coefficients: the length of their vector over all orbitals, with the weights of the
+  // density and of the potential; for orbitals of their own, the largest magnitude and nothing.
   void find_norms(unsigned function, double (&norms)[2]) const {
     double largest = 0.0, squares = norm_square_min, weighted_squares = norm_square_min;
     for (std::size_t o = 0; o < orbitals_.size(); ++o) {
-      const double coefficient = orbitals_[o]->coefficients[function];
+      const double coefficient = orbitals_[o].orbital->coefficients[function];
       largest = std::max(largest, std::fabs(coefficient));
-      squares += coefficient * coefficient;
-      weighted_squares += tables_.energy_magnitudes[o] * (coefficient * coefficient);
+      squares += tables_.weights[o] * (coefficient * coefficient);
+      weighted_squares += tables_.energy_weights[o] * (coefficient * coefficient);
     }
     const bool is_density = tables_.plan.field == SweepField::density_and_potential;
     norms[0] = is_density ? std::sqrt(squares) : largest;
@@ -163,7 +168,7 @@ class OrbitalBuilder {
 
   const Molecule* molecule_;
   const RowKernel& kernel_;
-  std::span<const Orbital* const> orbitals_;
+  std::span<const WeightedOrbital> orbitals_;
   RowTables& tables_;
 };
 
@@ -171,7 +176,7 @@ class OrbitalBuilder {
 
 std::unique_ptr<RowTables> rows_build(const Molecule* molecule, const CubeDefinition* cube,
                                       const RowKernel& kernel, SweepField field,
-                                      std::span<const Orbital* const> orbitals) {
+                                      std::span<const WeightedOrbital> orbitals) {
   if (orbitals.empty()) {
     return nullptr;
   }

@@ -5,6 +5,7 @@
 
 #include "grid.hpp"
 #include "memory.hpp"
+#include "occupation.hpp"
 #include "rows_tables.hpp"
 
 /// Makes the plan. Null if the exact sweep must do it all: the steps of the grid do not lie along the axes,
@@ -12,4 +13,4 @@
 /// orbitals, or a number is too large, too small or undefined for the bound to hold.
 std::unique_ptr<RowTables> rows_build(const Molecule* molecule, const CubeDefinition* cube,
                                       const RowKernel& kernel, SweepField field,
-                                      std::span<const Orbital* const> orbitals);
+                                      std::span<const WeightedOrbital> orbitals);

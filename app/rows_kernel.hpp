@@ -289,7 +289,7 @@ class RowPass {
       for (unsigned o = 0; o < Orbitals; ++o) {
         if (plan_.field == SweepField::density_and_potential) {
           for (unsigned p = 0; p < TilePacks; ++p) {
-            sums_[tile][p].add(orbitals[o][p], chunk.energy_magnitudes[first + o]);
+            sums_[tile][p].add(orbitals[o][p], chunk.weights[first + o], chunk.energy_weights[first + o]);
           }
         } else {
           finish_orbital(orbitals[o], tile, first_orbital + first + o,
@@ -341,6 +341,11 @@ class RowPass {
       }
       const double tolerance = rows_sum_tolerance(bounds_[0][tile], density, plan_.orbital_count);
       const double weighted_tolerance = rows_sum_tolerance(bounds_[1][tile], weighted, plan_.orbital_count);
+      // Without energies 0 divided by a density that is not 0: exactly 0.
+      const double potential_tolerance = plan_.has_energies
+                                             ? rows_quotient_tolerance(weighted_tolerance, tolerance)
+                                         : tolerance < 0.5 ? 0.0
+                                                           : HUGE_VAL;
       for (unsigned p = 0; p < TilePacks; ++p) {
         const OccupiedSums<Real>& sums = sums_[tile][p];
         double* const field = piece_.fields + std::size_t{tile} * tile_points + p * Real::lanes;
@@ -348,7 +353,7 @@ class RowPass {
         eval_total(sums, plan_.is_restricted).store(field);
         eval_potential(sums, false).store(field + piece_.stride);
         Real(tolerance).store(relative);
-        Real(rows_quotient_tolerance(weighted_tolerance, tolerance)).store(relative + piece_.stride);
+        Real(potential_tolerance).store(relative + piece_.stride);
       }
     }
   }

@@ -51,14 +51,15 @@ struct RowAtom {
 /// Orbitals whose collapsed coefficients fit in the second-level cache.
 struct RowOrbitals {
   unsigned count, group_count;
-  const double* coefficients;       // [monomial][RowPlan::stride]
-  const double* magnitudes;         // likewise, with all that is added up taken positive; or null
-  const double* energy_magnitudes;  // |ε|, hartree
+  const double* coefficients;    // [monomial][RowPlan::stride]
+  const double* magnitudes;      // likewise, with all that is added up taken positive; or null
+  const double* weights;         // n, in sums over orbitals
+  const double* energy_weights;  // n|ε|, hartree
 };
 
 struct RowPlan {
   SweepField field;
-  bool is_restricted;
+  bool is_restricted, has_energies;  // of the density, and that not all are 0
   unsigned atom_count, radial_count, function_count, chunk_count, orbital_count;
   unsigned tile_room;  // tiles of a row, rounded up to whole pieces
   unsigned stride;     // of orbitals in a chunk

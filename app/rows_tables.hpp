@@ -17,5 +17,5 @@ struct RowTables {
   std::vector<RowOrbitals> chunks;
   std::vector<AlignedDoubles> factors;  // of the Gaussians and offsets, an atom each
   AlignedDoubles coefficients, magnitudes;
-  std::vector<double> energy_magnitudes;
+  std::vector<double> weights, energy_weights;
 };

@@ -13,7 +13,6 @@
 #include "exponential.hpp"
 #include "message.hpp"
 #include "norm.hpp"
-#include "occupation.hpp"
 #include "shell.hpp"
 
 namespace {
@@ -124,7 +123,7 @@ const SweepKernel& sweep_choose_kernel() {
 }
 
 Sweep::Sweep(const Molecule* molecule, const SweepKernel& kernel, SweepField field,
-             std::span<const Orbital* const> orbitals, double extent)
+             std::span<const WeightedOrbital> orbitals, double extent)
     : molecule_(molecule),
       kernel_(kernel),
       block_points_(choose_block_points(molecule->basis_count, kernel)) {
@@ -258,10 +257,11 @@ void Sweep::plan_shell(std::span<const unsigned> functions, std::size_t first_ex
                      .coefficients = function->coefficients});
 }
 
-void Sweep::plan_orbitals(std::span<const Orbital* const> orbitals) {
+void Sweep::plan_orbitals(std::span<const WeightedOrbital> orbitals) {
   const std::size_t basis_count = molecule_->basis_count;
   coefficients_.resize(basis_count * orbitals.size());
-  energies_.reserve(orbitals.size());
+  weights_.reserve(orbitals.size());
+  energy_weights_.reserve(orbitals.size());
   plan_.may_skip_functions = true;
   // Groups of nearly equal size: a small last one would leave the processor waiting.
   const std::size_t group_count = (orbitals.size() + kernel_.tile_orbitals - 1) / kernel_.tile_orbitals;
@@ -269,10 +269,11 @@ void Sweep::plan_orbitals(std::span<const Orbital* const> orbitals) {
     const std::size_t first = g * orbitals.size() / group_count;
     const std::size_t end = (g + 1) * orbitals.size() / group_count;
     groups_.push_back({static_cast<unsigned>(end - first), coefficients_.data() + first * basis_count,
-                       energies_.data() + first});
+                       weights_.data() + first, energy_weights_.data() + first});
     for (std::size_t o = first; o < end; ++o) {
-      energies_.push_back(eval_weight(orbitals[o]));
-      const std::span coefficients(orbitals[o]->coefficients, basis_count);
+      weights_.push_back(orbitals[o].weight);
+      energy_weights_.push_back(eval_energy_weight(orbitals[o]));
+      const std::span coefficients(orbitals[o].orbital->coefficients, basis_count);
       for (std::size_t b = 0; b < basis_count; ++b) {
         coefficients_[first * basis_count + b * (end - first) + (o - first)] = coefficients[b];
       }

@@ -8,6 +8,7 @@
 
 #include "aligned.hpp"
 #include "memory.hpp"
+#include "occupation.hpp"
 #include "sweep_plan.hpp"
 
 // Fields at many points at once: packs of points through the formulas of the point-by-point functions, in
@@ -26,7 +27,7 @@ class Sweep {
  public:
   /// Orbitals are summed in the order given. `extent`: no coordinate of a point is larger in magnitude, bohr.
   Sweep(const Molecule* molecule, const SweepKernel& kernel, SweepField field,
-        std::span<const Orbital* const> orbitals, double extent);
+        std::span<const WeightedOrbital> orbitals, double extent);
 
   /// Points of a block at most: a multiple of the kernel's tile, so many that the basis function values stay
   /// in the second-level cache.
@@ -49,7 +50,7 @@ class Sweep {
   void number_shells();
   unsigned position_of(double exponent);
   void plan_shell(std::span<const unsigned> functions, std::size_t first_exponential);
-  void plan_orbitals(std::span<const Orbital* const> orbitals);
+  void plan_orbitals(std::span<const WeightedOrbital> orbitals);
 
   const Molecule* molecule_;
   const SweepKernel& kernel_;
@@ -63,7 +64,7 @@ class Sweep {
   std::vector<SweepExponential> exponentials_;
   std::unordered_map<std::uint64_t, unsigned> exponential_positions_;  // of the atom at hand, by its bits
   std::vector<SweepOrbitals> groups_;
-  std::vector<double> coefficients_, energies_;
+  std::vector<double> coefficients_, weights_, energy_weights_;
   std::vector<double> fields_;
   AlignedDoubles values_, exponential_values_;
   std::vector<unsigned char> active_;

@@ -276,7 +276,7 @@ class SweepPass {
         double* const to = output + o * block_.stride + p * Real::lanes;
         switch (plan_.field) {
           case SweepField::density_and_potential:
-            sums[p].add(orbitals[o][p], group.energy_magnitudes[o]);
+            sums[p].add(orbitals[o][p], group.weights[o], group.energy_weights[o]);
             break;
           case SweepField::orbital:
             orbitals[o][p].store(to);

@@ -49,8 +49,9 @@ struct SweepAtom {
 /// A few orbitals that are summed together.
 struct SweepOrbitals {
   unsigned count;
-  const double* coefficients;       // [basis function][orbital]
-  const double* energy_magnitudes;  // |ε|, hartree
+  const double* coefficients;    // [basis function][orbital]
+  const double* weights;         // n, in sums over orbitals
+  const double* energy_weights;  // n|ε|, hartree
 };
 
 enum class SweepField { density_and_potential, orbital, orbital_density };

@@ -14,7 +14,6 @@
 #include "file.hpp"
 #include "memory.hpp"
 #include "message.hpp"
-#include "occupation.hpp"
 #include "reader.hpp"
 #include "setup.hpp"
 #include "shell.hpp"
@@ -121,7 +120,7 @@ void read_counts(Molecule* molecule, Reader& reader) {
       !reader.may_hold(std::uint64_t{molecule->basis_count} * (std::uint64_t{orbital_count} + 3))) {
     msg_fatal("invalid count in WFN file - number of orbitals or primitives");
   }
-  molecule->electron_count = 2 * orbital_count;  // all that are listed are occupied, as occupation_of counts
+  molecule->electron_count = 2 * orbital_count;
 }
 
 }  // namespace
@@ -204,7 +203,7 @@ void wfn_basis_reorder(Molecule* molecule, const unsigned* centres, const unsign
 
 void wfn_read_orbitals(Molecule* molecule, Reader& reader) {
   constexpr const char* no_coefficient = "cannot read molecular orbital coefficients";
-  const unsigned orbital_count = occupation_of(molecule).spin[0].count;
+  const unsigned orbital_count = molecule->electron_count / 2;
   mem_alloc_listed_orbitals(molecule, orbital_count);
   for (unsigned i = 0; i < orbital_count; ++i) {
     Orbital& orbital = molecule->alpha_orbitals[i];

@@ -101,14 +101,14 @@ void sweep_all(const CubeDefinition& cube, Sweep& sweep, Take take) {
 
 // The exact sweep without text.
 double sweep_seconds(const Molecule& molecule, const CubeDefinition& cube, const SweepKernel& kernel,
-                     const std::vector<const Orbital*>& orbitals) {
+                     const std::vector<WeightedOrbital>& orbitals) {
   Sweep sweep(&molecule, kernel, SweepField::density_and_potential, orbitals, 1e3);
   return seconds_of(repetitions, [&] { sweep_all(cube, sweep, [](unsigned) {}); });
 }
 
 // The sweep by rows without text, its tables included; 0 if it leaves the grid to the exact one.
 double rows_seconds(const Molecule& molecule, const CubeDefinition& cube, const SweepKernel& kernel,
-                    const std::vector<const Orbital*>& orbitals) {
+                    const std::vector<WeightedOrbital>& orbitals) {
   bool is_made = true;
   const double seconds = seconds_of(repetitions, [&] {
     const auto rows = RowSweep::make(&molecule, &cube, kernel, SweepField::density_and_potential, orbitals);
@@ -124,7 +124,7 @@ double rows_seconds(const Molecule& molecule, const CubeDefinition& cube, const 
 
 std::vector<double> orbital_values(const Molecule& molecule, const CubeDefinition& cube,
                                    const SweepKernel& kernel, const Orbital* orbital) {
-  const Orbital* const orbitals[] = {orbital};
+  const WeightedOrbital orbitals[] = {orbital};
   Sweep sweep(&molecule, kernel, SweepField::orbital, orbitals, 1e3);
   std::vector<double> values;
   sweep_all(cube, sweep,
@@ -192,12 +192,12 @@ void print_sweep(const Molecule& molecule, const SweepKernel& kernel) {
   CubeDefinition cube;
   cube_comp_params(&molecule, &cube);
   const double points = 1.0 * cube.npoints[0] * cube.npoints[1] * cube.npoints[2];
-  const std::vector<const Orbital*> orbitals = occupied_orbitals(&molecule);
+  const std::vector<WeightedOrbital> orbitals = occupation_of(&molecule).orbitals;
   const double sweep = sweep_seconds(molecule, cube, kernel, orbitals);
   const double basis = sweep_seconds(molecule, cube, kernel, {});
   const double rows = rows_seconds(molecule, cube, kernel, orbitals);
   std::FILE* const out = std::fopen("values.cube", "w");
-  const std::vector<double> values = orbital_values(molecule, cube, kernel, orbitals.back());
+  const std::vector<double> values = orbital_values(molecule, cube, kernel, orbitals.back().orbital);
   const double text = seconds_of(repetitions, [&] {
     std::rewind(out);
     CubeText(out, cube.npoints[2]).put(values);
@@ -216,7 +216,7 @@ void print_sweep(const Molecule& molecule, const SweepKernel& kernel) {
               1e3 * (sweep - basis), 100 * pairs / (sweep - basis) / limit_of(kernel));
   std::printf("  text of two files %.1f ms: %.0f %% of sweep and text, %.1f ns a value\n", 2e3 * text,
               200 * text / (sweep + 2 * text), 1e9 * text / points);
-  const unsigned orbital_count = molecule.basis_count;
+  const unsigned orbital_count = molecule.alpha_orbital_count;
   OrbitalTexts room = comp_orbital_alloc(&cube, orbital_count, molecule.basis_count);
   if (room.orbital_count > 0) {
     const double all = seconds_of(repetitions, [&] {
@@ -263,7 +263,7 @@ int main(int argc, char** argv) {
       mem_init_mol(&molecule);
       fcheck_read(&molecule);
       std::printf("%s %s: %u atoms, %u functions, %zu occupied orbitals\n", kernel->name, file->c_str(),
-                  molecule.atom_count, molecule.basis_count, occupied_orbitals(&molecule).size());
+                  molecule.atom_count, molecule.basis_count, occupation_of(&molecule).orbitals.size());
       print_whole_runs(paths[0], paths[1], *file);
       print_sweep(molecule, *kernel);
       mem_clean(&molecule, nullptr);

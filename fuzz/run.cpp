@@ -59,8 +59,8 @@ void fuzz_pass(std::string_view input) {
   if (molecule.atom_count <= 20 && molecule.basis_count <= 50 && molecule.primitive_count <= 100) {
     const auto number = static_cast<unsigned>(input.size());
     const CubeDefinition cube = small_grid(molecule, number);
-    if (molecule.basis_count > 0) {
-      compare_data(molecule, cube, static_cast<std::int16_t>(1 + number % molecule.basis_count));
+    if (molecule.alpha_orbital_count > 0) {
+      compare_data(molecule, cube, static_cast<std::int16_t>(1 + number % molecule.alpha_orbital_count));
     }
     conf_print_zmat = conf_print_dmat = conf_print_base = conf_print_mo = conf_cube_allmo = 1;
     report_check(&molecule);

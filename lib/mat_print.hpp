@@ -18,6 +18,10 @@ void mat_fprint_Sc(const double* const* matrix, unsigned n, unsigned width);
 void mat_ffprint_sc(std::FILE* stream, const double* const* matrix, unsigned n, unsigned width);
 void mat_fprint_sc(const double* const* matrix, unsigned n, unsigned width);
 
+/// A full matrix of any shape in the same layout.
+void mat_ffprint_blocks(std::FILE* stream, const double* const* matrix, unsigned rows, unsigned columns,
+                        unsigned width);
+
 /// Rows and columns from first up to but excluding end, without numbers and blocks.
 void mat_fprint_sub(const double* const* matrix, unsigned first_row, unsigned first_column, unsigned end_row,
                     unsigned end_column);

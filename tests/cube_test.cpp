@@ -61,9 +61,9 @@ TEST(Cube, OrbitalsThatAreNotThereAreRejected) {
                invalid + "no beta orbitals in restricted wavefunction");
   conf_cube_onety = conf_cube_onesp = conf_cube_moden = 0;
   Molecule large{};
-  large.basis_count = 32768;
+  large.alpha_orbital_count = 32768;
   expect_error([&] { cube_check(&large, 21); },
                invalid + "at most 32767 orbitals can be written one file each");
-  large.basis_count = 32767;
+  large.alpha_orbital_count = 32767;
   cube_check(&large, 21);
 }

@@ -8,7 +8,7 @@
 
 namespace {
 
-using Orbitals = std::vector<const Orbital*>;
+using Orbitals = std::vector<WeightedOrbital>;
 
 std::unique_ptr<RowSweep> make_rows(const Molecule& molecule, const CubeDefinition& cube, SweepField field,
                                     const Orbitals& orbitals) {
@@ -26,7 +26,7 @@ Numbers exact_values(const Molecule& molecule, const double* point, SweepField f
     return values;
   }
   values.clear();
-  for (const Orbital* orbital : orbitals) {
+  for (const auto& [orbital, weight] : orbitals) {
     values.push_back(field == SweepField::orbital ? eval_mo(orbital, functions.data(), n)
                                                   : eval_mo_den(orbital, functions.data(), n));
   }
@@ -109,13 +109,15 @@ TEST(Rows, KeepWithinTheirTolerance) {
     }
     const auto molecule = read_text(fcheck_read, fchk_text(fields));
     const CubeDefinition cube = random_grid(random);
-    Orbitals all(molecule->basis_count);
-    std::ranges::generate(all, [orbital = molecule->alpha_orbitals]() mutable { return orbital++; });
+    Orbitals all;
+    for (unsigned i = 0; i < molecule->alpha_orbital_count; ++i) {
+      all.emplace_back(&molecule->alpha_orbitals[i]);
+    }
     with_every_kernel([&](const char*) {
       const auto expect = [&](SweepField field, const Orbitals& orbitals) {
         expect_within_tolerance(*molecule, cube, field, orbitals, &found);
       };
-      expect(SweepField::density_and_potential, occupied_orbitals(molecule.get()));
+      expect(SweepField::density_and_potential, occupation_of(molecule.get()).orbitals);
       expect(SweepField::orbital, all);
       expect(SweepField::orbital, {all[2]});
       expect(SweepField::orbital_density, {all[0], all[1]});
@@ -144,7 +146,7 @@ TEST(Rows, CountWhatTheyLeaveOut) {
       expect_within_tolerance(*molecule, cube, SweepField::orbital, {molecule->alpha_orbitals}, &found);
       EXPECT_EQ(found.unknown, 0U);
       expect_within_tolerance(*molecule, cube, SweepField::density_and_potential,
-                              occupied_orbitals(molecule.get()), &found);
+                              occupation_of(molecule.get()).orbitals, &found);
     });
   }
 }
@@ -179,7 +181,7 @@ TEST(Rows, LeaveTiesToTheExactSweep) {
     const bool is_density = code == field_density_and_potential;
     const SweepField field = is_density ? SweepField::density_and_potential : SweepField::orbital;
     const auto orbitals = [&](const Molecule& of) {
-      return is_density ? occupied_orbitals(&of) : Orbitals{of.alpha_orbitals};
+      return is_density ? occupation_of(&of).orbitals : Orbitals{of.alpha_orbitals};
     };
     const double value = exact_values(*before, cube.points[0], field, orbitals(*before))[0];
     const double unit = std::pow(10.0, std::floor(std::log10(std::fabs(value))) - 5.0);
@@ -198,8 +200,8 @@ TEST(Rows, LeaveWhatIsOutOfTheOrdinaryToTheExactSweep) {
   const CubeDefinition good = {{2, 2, 16}, {{0, 0, 0}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.5}}};
   const auto is_taken = [](const SmallFchk& fields, const CubeDefinition& cube) {
     const auto molecule = read_text(fcheck_read, fchk_text(fields));
-    return make_rows(*molecule, cube, SweepField::density_and_potential, occupied_orbitals(molecule.get())) !=
-           nullptr;
+    return make_rows(*molecule, cube, SweepField::density_and_potential,
+                     occupation_of(molecule.get()).orbitals) != nullptr;
   };
   EXPECT_TRUE(is_taken({}, good));
   for (const double exponent : {0.0, -1.0, 1e-9, 1e11, HUGE_VAL, std::nan("")}) {

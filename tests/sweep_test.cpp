@@ -49,12 +49,12 @@ void expect_every_bit(const Molecule& molecule, const std::vector<CubeDefinition
   const unsigned n = molecule.basis_count;
   std::vector<double> ones(std::size_t{n} * n), functions(n);
   std::vector<Orbital> orbitals(n);
+  std::vector<WeightedOrbital> list;
   for (std::size_t b = 0; b < n; ++b) {
     ones[b * n + b] = 1.0;
-    orbitals[b] = {0.0, &ones[b * n]};
+    orbitals[b] = {0.0, &ones[b * n], 0.0};
+    list.emplace_back(&orbitals[b]);
   }
-  std::vector<const Orbital*> list(n);
-  std::ranges::transform(orbitals, list.begin(), [](const Orbital& orbital) { return &orbital; });
   for (const CubeDefinition& cube : cubes) {
     with_every_kernel([&](const char*) {
       Sweep sweep(&molecule, sweep_choose_kernel(), SweepField::orbital, list, cube_extent(&cube));
