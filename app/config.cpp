@@ -56,8 +56,9 @@ constexpr std::array numeric_items = {
     NumericItem{"CUBE_ONE_MODEN", &conf_cube_moden, check_natural},
     NumericItem{"CUBE_ORVA", &conf_cube_orva, check_bool},
     NumericItem{"PRINT_CUBE_PAR", &conf_print_cubp, check_bool},
+    NumericItem{"INPUT_CONVENTION", &conf_input_convention, check_bool},
 };
-static_assert(numeric_items.size() == 16, "file names and the grid have tables of their own");
+static_assert(numeric_items.size() == 17, "file names and the grid have tables of their own");
 
 struct FileNameItem {
   std::string_view name;

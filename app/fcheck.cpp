@@ -6,9 +6,13 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <span>
+#include <utility>
+#include <vector>
 
 #include "atom.hpp"
+#include "convention.hpp"
 #include "file.hpp"
 #include "memory.hpp"
 #include "message.hpp"
@@ -34,16 +38,20 @@ struct Section {
   Need need;
   void (*take)(Input& input, const Section& section);
 
-  // Of a count: how many values of the rest of the file it announces, and what is allocated for them.
-  std::uint64_t (*announced)(std::uint64_t count) = nullptr;
+  // What a count tells, or how many records an array has; null for anything else.
+  unsigned Molecule::*count = nullptr;
+  // How many values a count announces of the rest of the file, or an array of so many records has.
+  std::uint64_t (*values)(const Molecule& molecule, std::uint64_t count) = nullptr;
+  // Makes room for what is counted.
   void (*allocate)(Molecule* molecule) = nullptr;
 
-  // Of an array: how many records it has, and what is wrong if one of its values is no number.
-  unsigned (*length)(const Molecule& molecule) = nullptr;
+  // Of an array: what is wrong if one of its values is no number.
   const char* failure = nullptr;
 
+  bool is_array() const { return failure != nullptr; }
+
   // False for an array of length 0: its count is 0, or has not been read yet.
-  bool has_values(const Molecule& molecule) const { return length == nullptr || length(molecule) > 0; }
+  bool has_values(const Molecule& molecule) const { return !is_array() || molecule.*count > 0; }
 };
 
 constexpr unsigned section_count = 22;
@@ -51,11 +59,17 @@ constexpr unsigned section_count = 22;
 enum class State : unsigned char { absent, met, read };  // met: too early, before the count of its values
 
 struct Input {
+  Input(std::FILE* stream, Molecule* to) : reader(stream), molecule(to) {}
+
   Reader reader;
   Molecule* molecule;
-  ShellTable shells;
-  std::array<char, sizeof Molecule::title> line;  // the label line
-  std::array<State, section_count> states;        // of the sections
+  ShellTable shells{};
+  std::array<char, sizeof Molecule::title> line{};  // the label line
+  std::array<State, section_count> states{};        // of the sections
+  std::vector<unsigned Molecule::*> known;          // the counts that are
+  std::vector<double> coordinates;                  // of the last geometry, bohr
+  bool has_orbitals = false;                        // their coefficients
+  bool is_named_restricted = false;                 // the method begins with R
 };
 
 [[noreturn]] void fail(const char* trouble, const Section& section) {
@@ -64,34 +78,38 @@ struct Input {
 
 // Scalars.
 
-std::uint64_t atom_values(std::uint64_t count) { return 4 * count; }  // the atomic number and coordinates
-// Of one spin: energies and coefficients.
-std::uint64_t orbital_values(std::uint64_t count) { return (count + 1) * count; }
-std::uint64_t shell_values(std::uint64_t count) { return 3 * count; }
-std::uint64_t primitive_values(std::uint64_t count) { return 2 * count; }
-
 State& state_of(Input& input, const Section& section);
 
-template <unsigned Molecule::*target>
+bool is_known(const Input& input, unsigned Molecule::*count) {
+  return std::ranges::find(input.known, count) != input.known.end();
+}
+
+// Takes a count, once. `trouble`: what is wrong with one that the rest of the file cannot hold.
+void set_count(Input& input, const Section& section, unsigned count, const char* trouble) {
+  if (section.values != nullptr && !input.reader.may_hold(section.values(*input.molecule, count))) {
+    fail(trouble, section);
+  }
+  input.molecule->*section.count = count;
+  input.known.push_back(section.count);
+  if (section.allocate != nullptr) {
+    section.allocate(input.molecule);
+  }
+}
+
 void take_count(Input& input, const Section& section) {
   const int value = fcheck_last_int(input.line.data());
   const auto count = static_cast<unsigned>(value);
-  unsigned& known = input.molecule->*target;
-  if (state_of(input, section) == State::read) {
-    if (known != count) {
+  if (is_known(input, section.count)) {
+    if (input.molecule->*section.count != count) {
       fail("contradictory count", section);
     }
     return;
   }
   const bool may_be_cut_off = input.reader.is_at_end() && std::strchr(input.line.data(), '\n') == nullptr;
-  if (value < 0 || may_be_cut_off ||
-      (section.announced != nullptr && !input.reader.may_hold(section.announced(count)))) {
+  if (value < 0 || may_be_cut_off) {
     fail("invalid count", section);
   }
-  known = count;
-  if (section.allocate != nullptr) {
-    section.allocate(input.molecule);
-  }
+  set_count(input, section, count, "invalid count");
 }
 
 void take_charge(Input& input, const Section&) {
@@ -107,17 +125,9 @@ void check_angular_momentum(Input& input, const Section&) {
 
 // Arrays.
 
-template <unsigned Molecule::*count>
-unsigned length(const Molecule& molecule) {
-  return molecule.*count;
-}
-
-// A restricted wavefunction has no place for beta orbitals.
-unsigned beta_length(const Molecule& molecule) { return inp_rest_scf != 0 ? 0 : molecule.beta_orbital_count; }
-
 template <class Number>
-void read_values(Input& input, const Section& section, Number* values, unsigned count) {
-  for (unsigned i = 0; i < count; ++i) {
+void read_values(Input& input, const Section& section, Number* values, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
     if (!input.reader.number(values[i]) || input.reader.is_at_end()) {
       msg_fatal(section.failure);
     }
@@ -133,23 +143,44 @@ void take_atomic_numbers(Input& input, const Section& section) {
   }
 }
 
+void place_atoms(const Input& input) {
+  for (auto from = input.coordinates.begin(); Atom & atom : atoms(input)) {
+    std::copy_n(from, 3, atom.coord);
+    from += 3;
+  }
+}
+
+// An optimisation writes a geometry for each step. One behind the orbitals is not theirs.
 void take_coordinates(Input& input, const Section& section) {
-  for (Atom& atom : atoms(input)) {
-    read_values(input, section, atom.coord, 3);
+  const bool is_first = input.coordinates.empty();
+  const std::vector<double> before = input.coordinates;
+  input.coordinates.resize(std::size_t{3} * input.molecule->atom_count);
+  read_values(input, section, input.coordinates.data(), input.coordinates.size());
+  const bool is_behind = !is_first && input.has_orbitals;
+  if (!is_behind || conf_input_convention == 0) {
+    place_atoms(input);
+  }
+  if (is_behind && conf_input_convention == 0 && input.coordinates != before) {
+    msg_tell(
+        "the geometry is one behind the orbitals in the fchk file; INPUT_CONVENTION 1 takes that before "
+        "them");
   }
 }
 
 template <Orbital* Molecule::*target>
 void take_coefficients(Input& input, const Section& section) {
-  const unsigned count = input.molecule->basis_count;
-  for (const Orbital& orbital : std::span(input.molecule->*target, count)) {
-    read_values(input, section, orbital.coefficients, count);
+  for (const Orbital& orbital : std::span(input.molecule->*target, input.molecule->*section.count)) {
+    read_values(input, section, orbital.coefficients, input.molecule->basis_count);
   }
+  if (target == &Molecule::alpha_orbitals && !input.coordinates.empty()) {
+    place_atoms(input);
+  }
+  input.has_orbitals = true;
 }
 
 template <Orbital* Molecule::*target>
 void take_energies(Input& input, const Section& section) {
-  for (Orbital& orbital : std::span(input.molecule->*target, input.molecule->basis_count)) {
+  for (Orbital& orbital : std::span(input.molecule->*target, input.molecule->*section.count)) {
     read_values(input, section, &orbital.energy, 1);
   }
 }
@@ -161,76 +192,121 @@ void allocate(double*& vector, unsigned n) { vector = vec_falloc(n); }
 template <auto target>
 void take_vector(Input& input, const Section& section) {
   auto*& vector = input.shells.*target;
-  const unsigned count = section.length(*input.molecule);
+  const unsigned count = input.molecule->*section.count;
   if (vector == nullptr) {
     allocate(vector, count);
   }
   read_values(input, section, vector, count);
 }
 
+// Values of counts and arrays.
+
+template <unsigned per_record>
+std::uint64_t values_of(const Molecule&, std::uint64_t count) {
+  return per_record * count;
+}
+// Energies and coefficients of one spin, if there are as many orbitals as functions.
+std::uint64_t function_values(const Molecule&, std::uint64_t count) {
+  return conf_input_convention == 0 ? (count + 1) * count : count;
+}
+std::uint64_t coefficient_values(const Molecule& molecule, std::uint64_t count) {
+  return count * molecule.basis_count;
+}
+
+// With INPUT_CONVENTION 1 the arrays tell how many orbitals there are.
+void allocate_as_many_orbitals(Molecule* molecule) {
+  if (conf_input_convention == 0) {
+    mem_alloc_orbitals(molecule);
+  }
+}
+void allocate_alpha(Molecule* molecule) { mem_alloc_alpha_orbitals(molecule, molecule->alpha_orbital_count); }
+void allocate_beta(Molecule* molecule) { mem_alloc_beta_orbitals(molecule, molecule->beta_orbital_count); }
+
 // Makers of the table's entries.
 
-template <unsigned Molecule::*target>
-constexpr Section count_section(const char* label, Need need,
-                                std::uint64_t (*announced)(std::uint64_t count) = nullptr,
-                                void (*allocate)(Molecule* molecule) = nullptr) {
-  return {
-      .label = label, .need = need, .take = take_count<target>, .announced = announced, .allocate = allocate};
+using Allocate = void (*)(Molecule* molecule);
+using Values = std::uint64_t (*)(const Molecule& molecule, std::uint64_t count);
+
+constexpr Section count_section(const char* label, Need need, unsigned Molecule::*count,
+                                Values values = nullptr, Allocate allocate = nullptr) {
+  return {.label = label,
+          .need = need,
+          .take = take_count,
+          .count = count,
+          .values = values,
+          .allocate = allocate};
 }
 
 constexpr Section array_section(const char* label, Need need, void (*take)(Input&, const Section&),
-                                unsigned (*length)(const Molecule&), const char* failure) {
-  return {.label = label, .need = need, .take = take, .length = length, .failure = failure};
+                                unsigned Molecule::*count, Values values, Allocate allocate,
+                                const char* failure) {
+  return {.label = label,
+          .need = need,
+          .take = take,
+          .count = count,
+          .values = values,
+          .allocate = allocate,
+          .failure = failure};
 }
 
-constexpr auto atom_length = length<&Molecule::atom_count>;
-constexpr auto orbital_length = length<&Molecule::basis_count>;
-constexpr auto shell_length = length<&Molecule::shell_count>;
-constexpr auto primitive_length = length<&Molecule::primitive_count>;
+constexpr Section shell_section(const char* label, Need need, void (*take)(Input&, const Section&),
+                                unsigned Molecule::*count, const char* failure) {
+  return array_section(label, need, take, count, values_of<1>, nullptr, failure);
+}
 
 // In the order in which a line is compared with the labels.
 constexpr std::array sections = {
-    count_section<&Molecule::atom_count>("Number of atoms", Need::always, atom_values, mem_alloc_atoms),
+    count_section("Number of atoms", Need::always, &Molecule::atom_count, values_of<4>, mem_alloc_atoms),
     Section{"Charge", Need::none, take_charge},
-    count_section<&Molecule::multiplicity>("Multiplicity", Need::none),
-    count_section<&Molecule::electron_count>("Number of electrons", Need::restricted),
-    count_section<&Molecule::alpha_electron_count>("Number of alpha electrons", Need::unrestricted),
-    count_section<&Molecule::beta_electron_count>("Number of beta electrons", Need::unrestricted),
-    count_section<&Molecule::basis_count>("Number of basis functions", Need::always, orbital_values,
-                                          mem_alloc_orbitals),
-    array_section("Atomic numbers", Need::always, take_atomic_numbers, atom_length,
-                  "cannot read atomic numbers"),
-    array_section("Current cartesian coordinates", Need::always, take_coordinates, atom_length,
-                  "cannot read cartesian coordinates"),
+    count_section("Multiplicity", Need::none, &Molecule::multiplicity),
+    count_section("Number of electrons", Need::restricted, &Molecule::electron_count),
+    count_section("Number of alpha electrons", Need::unrestricted, &Molecule::alpha_electron_count),
+    count_section("Number of beta electrons", Need::unrestricted, &Molecule::beta_electron_count),
+    count_section("Number of basis functions", Need::always, &Molecule::basis_count, function_values,
+                  allocate_as_many_orbitals),
+    array_section("Atomic numbers", Need::always, take_atomic_numbers, &Molecule::atom_count, values_of<1>,
+                  mem_alloc_atoms, "cannot read atomic numbers"),
+    array_section("Current cartesian coordinates", Need::always, take_coordinates, &Molecule::atom_count,
+                  values_of<3>, mem_alloc_atoms, "cannot read cartesian coordinates"),
     array_section("Alpha MO coefficients", Need::always, take_coefficients<&Molecule::alpha_orbitals>,
-                  orbital_length, "cannot read alpha MO coefficients"),
+                  &Molecule::alpha_orbital_count, coefficient_values, allocate_alpha,
+                  "cannot read alpha MO coefficients"),
     array_section("Beta MO coefficients", Need::beta_orbitals, take_coefficients<&Molecule::beta_orbitals>,
-                  beta_length, "cannot read beta MO coefficients"),
+                  &Molecule::beta_orbital_count, coefficient_values, allocate_beta,
+                  "cannot read beta MO coefficients"),
     array_section("Alpha Orbital Energies", Need::always, take_energies<&Molecule::alpha_orbitals>,
-                  orbital_length, "cannot read alpha MO energies"),
+                  &Molecule::alpha_orbital_count, values_of<1>, allocate_alpha,
+                  "cannot read alpha MO energies"),
     array_section("Beta Orbital Energies", Need::beta_orbitals, take_energies<&Molecule::beta_orbitals>,
-                  beta_length, "cannot read beta MO energies"),
-    count_section<&Molecule::shell_count>("Number of contracted shells", Need::always, shell_values),
+                  &Molecule::beta_orbital_count, values_of<1>, allocate_beta, "cannot read beta MO energies"),
+    count_section("Number of contracted shells", Need::always, &Molecule::shell_count, values_of<3>),
     Section{"Highest angular momentum", Need::none, check_angular_momentum},
-    array_section("Number of primitives per shell", Need::always, take_vector<&ShellTable::primitive_counts>,
-                  shell_length, "cannot read number of primitives per shell"),
-    array_section("Shell to atom map", Need::always, take_vector<&ShellTable::atom_map>, shell_length,
-                  "cannot read shell to atom indices"),
-    array_section("Shell types", Need::always, take_vector<&ShellTable::types>, shell_length,
+    shell_section("Number of primitives per shell", Need::always, take_vector<&ShellTable::primitive_counts>,
+                  &Molecule::shell_count, "cannot read number of primitives per shell"),
+    shell_section("Shell to atom map", Need::always, take_vector<&ShellTable::atom_map>,
+                  &Molecule::shell_count, "cannot read shell to atom indices"),
+    shell_section("Shell types", Need::always, take_vector<&ShellTable::types>, &Molecule::shell_count,
                   "cannot read shell types"),
-    array_section("Primitive exponents", Need::always, take_vector<&ShellTable::exponents>, primitive_length,
-                  "cannot read primitive exponents"),
-    array_section("Contraction coefficients", Need::always, take_vector<&ShellTable::coefficients>,
-                  primitive_length, "cannot read contraction coefficients"),
-    array_section("P(S=P) Contraction coefficients", Need::sp_shells,
-                  take_vector<&ShellTable::sp_coefficients>, primitive_length,
+    shell_section("Primitive exponents", Need::always, take_vector<&ShellTable::exponents>,
+                  &Molecule::primitive_count, "cannot read primitive exponents"),
+    shell_section("Contraction coefficients", Need::always, take_vector<&ShellTable::coefficients>,
+                  &Molecule::primitive_count, "cannot read contraction coefficients"),
+    shell_section("P(S=P) Contraction coefficients", Need::sp_shells,
+                  take_vector<&ShellTable::sp_coefficients>, &Molecule::primitive_count,
                   "cannot read SP contraction coefficients"),
-    count_section<&Molecule::primitive_count>("Number of primitive shells", Need::always, primitive_values),
+    count_section("Number of primitive shells", Need::always, &Molecule::primitive_count, values_of<2>),
 };
 static_assert(sections.size() == section_count);
 
 State& state_of(Input& input, const Section& section) {
   return input.states[static_cast<std::size_t>(&section - sections.data())];
+}
+
+// The second word of a line, and what follows it.
+const char* method_in(const char* line) {
+  const char* word = line + std::strspn(line, blanks);
+  word += std::strcspn(word, blanks);
+  return word + std::strspn(word, blanks);
 }
 
 void read_heading(Input& input) {
@@ -241,7 +317,43 @@ void read_heading(Input& input) {
   if (!input.reader.line(input.line)) {
     msg_fatal("unexpected end of input file");
   }
-  fcheck_input_method(input.line.data());
+  if (conf_input_convention == 0) {
+    fcheck_input_method(input.line.data());
+  }
+  input.is_named_restricted = *method_in(input.line.data()) == 'R';
+}
+
+// The number of values that the label line of an array announces.
+std::optional<std::uint64_t> announced_length(const char* line, const Section& section) {
+  const char* const mark = std::strstr(line + std::min(std::strlen(line), std::strlen(section.label)), "N=");
+  char* stop = nullptr;
+  const long length = mark != nullptr ? std::strtol(mark + 2, &stop, 10) : 0;
+  if (mark == nullptr || stop == mark + 2 || length < 0) {
+    return std::nullopt;
+  }
+  return length;
+}
+
+// With INPUT_CONVENTION 1 what is announced takes the place of a count that is missing, and tells how many
+// orbitals there are.
+void settle_length(Input& input, const Section& section) {
+  const auto length = announced_length(input.line.data(), section);
+  const std::uint64_t of_record = section.values(*input.molecule, 1);
+  if (!length || of_record == 0) {
+    return;
+  }
+  if (!is_known(input, section.count)) {
+    const std::uint64_t count = *length / of_record;
+    const bool is_of_orbitals = section.allocate == allocate_alpha || section.allocate == allocate_beta;
+    if (count > std::numeric_limits<int>::max() || (is_of_orbitals && count > input.molecule->basis_count) ||
+        (is_of_orbitals && !input.reader.may_hold(coefficient_values(*input.molecule, count)))) {
+      fail("invalid length", section);
+    }
+    set_count(input, section, static_cast<unsigned>(count), "invalid length");
+  }
+  if (section.values(*input.molecule, input.molecule->*section.count) != *length) {
+    fail("contradictory length", section);
+  }
 }
 
 void read_sections(Input& input) {
@@ -253,6 +365,9 @@ void read_sections(Input& input) {
     });
     if (section == sections.end()) {
       continue;
+    }
+    if (section->is_array() && conf_input_convention != 0) {
+      settle_length(input, *section);
     }
     const bool has_values = section->has_values(*input.molecule);
     if (has_values) {
@@ -271,15 +386,16 @@ bool has_beta_orbitals(Input& input) {
 }
 
 bool is_needed(Need need, Input& input) {
+  const bool is_by_name = conf_input_convention == 0;  // the method's, whether it is restricted
   switch (need) {
     case Need::none:
       return false;
     case Need::always:
       return true;
     case Need::restricted:
-      return inp_rest_scf != 0;
+      return is_by_name && inp_rest_scf != 0;
     case Need::unrestricted:
-      return inp_rest_scf == 0;
+      return !is_by_name || inp_rest_scf == 0;
     case Need::sp_shells:
       return vec_iin(input.shells.types, sp_shell, input.molecule->shell_count) != vec_not_found;
     case Need::beta_orbitals:
@@ -290,22 +406,43 @@ bool is_needed(Need need, Input& input) {
 
 void check_sections(Input& input) {
   for (const Section& section : sections) {
-    if (state_of(input, section) != State::read && section.has_values(*input.molecule) &&
-        is_needed(section.need, input)) {
+    const bool is_there =
+        section.take == take_count ? is_known(input, section.count) : state_of(input, section) == State::read;
+    if (!is_there && section.has_values(*input.molecule) && is_needed(section.need, input)) {
       fail("missing section", section);
     }
   }
-  if (inp_rest_scf == 0 && !has_beta_orbitals(input) && input.molecule->beta_electron_count > 0 &&
-      arg_quiet == 0) {
-    msg_warn("no beta orbitals in fchk file, beta electrons are left out");
+}
+
+// A closed shell need not tell the electrons of each spin.
+void settle_electrons(Input& input) {
+  Molecule& molecule = *input.molecule;
+  if (!is_known(input, &Molecule::alpha_electron_count) && !is_known(input, &Molecule::beta_electron_count) &&
+      is_known(input, &Molecule::electron_count) && molecule.electron_count % 2 == 0 &&
+      molecule.multiplicity <= 1) {
+    molecule.alpha_electron_count = molecule.beta_electron_count = molecule.electron_count / 2;
+    input.known.insert(input.known.end(), {&Molecule::alpha_electron_count, &Molecule::beta_electron_count});
+  }
+}
+
+void tell_electrons(Input& input) {
+  const Molecule& molecule = *input.molecule;
+  if (inp_rest_scf == 0 && !has_beta_orbitals(input) && molecule.beta_electron_count > 0) {
+    msg_tell("no beta orbitals in fchk file, beta electrons are left out; INPUT_CONVENTION 1 has them");
+  }
+  if (inp_rest_scf != 0 && molecule.alpha_electron_count != molecule.beta_electron_count &&
+      is_known(input, &Molecule::alpha_electron_count) && is_known(input, &Molecule::beta_electron_count)) {
+    msg_tell("%u alpha and %u beta electrons are taken for pairs; INPUT_CONVENTION 1 tells them apart",
+             molecule.alpha_electron_count, molecule.beta_electron_count);
   }
 }
 
 void check_electrons(const Molecule& molecule) {
-  const bool exceeds = inp_rest_scf != 0 ? molecule.electron_count / 2 > molecule.alpha_orbital_count
-                                         : molecule.alpha_electron_count > molecule.alpha_orbital_count ||
-                                               molecule.beta_electron_count > molecule.beta_orbital_count;
-  if (exceeds) {
+  const bool are_pairs = inp_rest_scf != 0 && conf_input_convention == 0;
+  const unsigned alpha = are_pairs ? molecule.electron_count / 2 : molecule.alpha_electron_count;
+  const unsigned beta = are_pairs ? 0 : molecule.beta_electron_count;
+  if (alpha > molecule.alpha_orbital_count ||
+      beta > (inp_rest_scf != 0 ? molecule.alpha_orbital_count : molecule.beta_orbital_count)) {
     msg_fatal("number of electrons exceeds number of orbitals in fchk file");
   }
 }
@@ -314,25 +451,33 @@ void check_electrons(const Molecule& molecule) {
 
 void fcheck_read(Molecule* molecule) {
   std::FILE* stream = file_open(glob_file_input, "r");
-  Input input = {.reader = Reader(stream), .molecule = molecule, .shells = {}, .line = {}, .states = {}};
+  Input input(stream, molecule);
+  convention_tell_format(input.reader.at_hand());
   reorder_shell_init(&input.shells);
   read_heading(input);
   read_sections(input);
   file_close(stream);
 
+  if (conf_input_convention != 0) {
+    settle_electrons(input);
+  }
   check_sections(input);
   reorder_basis(molecule, &input.shells);
+  if (conf_input_convention != 0) {
+    convention_place_electrons(molecule, input.is_named_restricted);
+  } else {
+    tell_electrons(input);
+  }
   check_electrons(*molecule);
+  convention_settle_fchk(molecule);
 }
 
 void fcheck_input_method(const char* line) {
-  const char* word = line + std::strspn(line, blanks);
-  word += std::strcspn(word, blanks);
-  word += std::strspn(word, blanks);
-  if (*word == '\0') {
+  const char* const method = method_in(line);
+  if (*method == '\0') {
     msg_fatal("cannot find method which was used to compute MOs");
   }
-  inp_rest_scf = *word == 'R' ? 1 : 0;
+  inp_rest_scf = *method == 'R' ? 1 : 0;
 }
 
 int fcheck_last_int(const char* line) {

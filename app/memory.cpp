@@ -80,6 +80,12 @@ void mem_alloc_listed_orbitals(Molecule* molecule, unsigned listed) {
 void mem_alloc_alpha_orbitals(Molecule* molecule, unsigned count) { allocate_alpha(molecule, count, count); }
 void mem_alloc_beta_orbitals(Molecule* molecule, unsigned count) { allocate_beta(molecule, count, count); }
 
+void mem_free_beta_orbitals(Molecule* molecule) {
+  free_orbitals(molecule->beta_orbitals);
+  molecule->beta_orbitals = nullptr;
+  molecule->beta_orbital_count = 0;
+}
+
 void mem_alloc_basis(Molecule* molecule) {
   molecule->basis =
       allocate<BasisFunction>(molecule->basis_count, "cannot allocate memory for basis functions");

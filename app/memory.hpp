@@ -71,6 +71,9 @@ void mem_alloc_listed_orbitals(Molecule* molecule, unsigned listed);
 void mem_alloc_alpha_orbitals(Molecule* molecule, unsigned count);
 void mem_alloc_beta_orbitals(Molecule* molecule, unsigned count);
 
+/// Releases the beta orbitals; there are none any more.
+void mem_free_beta_orbitals(Molecule* molecule);
+
 /// `basis_count` zeroed basis functions. Without memory the run ends with
 /// "cannot allocate memory for basis functions".
 void mem_alloc_basis(Molecule* molecule);

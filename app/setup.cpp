@@ -12,6 +12,7 @@ std::int16_t inp_format = 0;
 
 std::int16_t inp_rest_scf = 1;
 
+std::int16_t conf_input_convention = 0;
 std::int16_t conf_width = 5;
 std::int16_t conf_print_coord = 1;
 std::int16_t conf_print_zmat = 0;

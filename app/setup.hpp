@@ -20,7 +20,8 @@ extern std::int16_t inp_format;  // input_fchk or input_wfn (options.hpp)
 extern std::int16_t inp_rest_scf;  // nonzero: restricted wavefunction
 
 // Set by the configuration file.
-extern std::int16_t conf_width;  // columns of a block in printed tables
+extern std::int16_t conf_input_convention;  // 1: input means what the programs that write it mean by it
+extern std::int16_t conf_width;             // columns of a block in printed tables
 extern std::int16_t conf_print_coord;
 extern std::int16_t conf_print_zmat;
 extern std::int16_t conf_print_dmat;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "atom.hpp"
+#include "convention.hpp"
 #include "file.hpp"
 #include "memory.hpp"
 #include "message.hpp"
@@ -20,6 +21,7 @@
 #include "str_trim.hpp"
 #include "string.hpp"
 #include "vec_base.hpp"
+#include "wfn_dialect.hpp"
 
 namespace {
 
@@ -87,8 +89,7 @@ void read_block(Number* values, unsigned count, unsigned per_line, unsigned labe
   }
 }
 
-// Type numbers count from 1 through the components of the Cartesian shells. Any other is an s function: all
-// zeros.
+// A type number beyond the shells makes an s function, whose numbers are all 0.
 void set_type(BasisFunction& function, unsigned type_number) {
   unsigned first = 1;
   for (short type = 0; type <= shell_max; ++type) {
@@ -128,18 +129,28 @@ void read_counts(Molecule* molecule, Reader& reader) {
 void wfn_read(Molecule* molecule) {
   std::FILE* stream = file_open(glob_file_input, "r");
   Reader reader(stream);
+  convention_tell_format(reader.at_hand());
   const Line line = read_line(reader, "unexpected end of WFN file while reading comment line");
-  str_ctrim(line.data(), molecule->title);
   inp_rest_scf = 1;
-  read_counts(molecule, reader);
-  wfn_read_atoms(molecule, reader);
-  wfn_read_basis(molecule, reader);
-  wfn_read_orbitals(molecule, reader);
+  if (conf_input_convention != 0) {
+    if (std::strstr(line.data(), wfn_counts_label) == nullptr) {
+      str_ctrim(line.data(), molecule->title);
+    }
+    wfn_dialect_read(molecule, line.data(), reader);
+  } else {
+    str_ctrim(line.data(), molecule->title);
+    read_counts(molecule, reader);
+    wfn_read_atoms(molecule, reader);
+    wfn_read_basis(molecule, reader);
+    wfn_read_orbitals(molecule, reader);
+  }
   file_close(stream);
+  convention_settle_wfn(molecule);
 }
 
 void wfn_read_atoms(Molecule* molecule, Reader& reader) {
   mem_alloc_atoms(molecule);
+  bool loses_sign = false;
   for (unsigned i = 0; i < molecule->atom_count; ++i) {
     Atom& atom = molecule->atoms[i];
     const Line line = read_line(reader, "unexpected end of WFN file while reading coordinates");
@@ -150,6 +161,7 @@ void wfn_read_atoms(Molecule* molecule, Reader& reader) {
     }
     atom.atomic_number = atom_num(atom.symbol);
     const char* text = from_column(line, coordinate_column);
+    loses_sign = loses_sign || *from_column(line, coordinate_column - 1) == '-';
     for (double& coordinate : atom.coord) {
       text = str_fortran_real(text, &coordinate);
       // A number that fills its columns may touch the next: a second decimal point shows that it has taken
@@ -158,6 +170,10 @@ void wfn_read_atoms(Molecule* molecule, Reader& reader) {
         msg_fatal("cannot read atomic coordinates");
       }
     }
+  }
+  if (loses_sign) {
+    msg_tell("a coordinate of the WFN file loses its sign in column %u; INPUT_CONVENTION 1 reads it",
+             coordinate_column - 1);
   }
 }
 
@@ -169,6 +185,11 @@ void wfn_read_basis(Molecule* molecule, Reader& reader) {
 
   wfn_read_udata(centres.data(), count, 20, 20, reader);
   wfn_read_udata(types.data(), count, 20, 20, reader);
+  const auto beyond = std::ranges::find_if(types, [](unsigned type) { return type > wfn_type_count; });
+  if (beyond != types.end()) {
+    msg_tell("type number %u of the WFN file is none of a shell up to g, and taken for an s function",
+             *beyond);
+  }
   wfn_read_fdata(exponents.data(), count, 5, 10, reader);
   if (molecule->electron_count == 0 && count > 0 && reader.is_at_end()) {
     msg_fatal(no_exponent);  // the last number of the file, which may have been cut off
@@ -205,6 +226,7 @@ void wfn_read_orbitals(Molecule* molecule, Reader& reader) {
   constexpr const char* no_coefficient = "cannot read molecular orbital coefficients";
   const unsigned orbital_count = molecule->electron_count / 2;
   mem_alloc_listed_orbitals(molecule, orbital_count);
+  bool cuts_energy = false, has_other_occupation = false;
   for (unsigned i = 0; i < orbital_count; ++i) {
     Orbital& orbital = molecule->alpha_orbitals[i];
     // The rest of the line on which the numbers before it ended.
@@ -213,9 +235,21 @@ void wfn_read_orbitals(Molecule* molecule, Reader& reader) {
     if (str_fortran_real(from_column(header, energy_column), &orbital.energy) == nullptr) {
       msg_fatal("cannot read molecular orbital energy");
     }
+    double energy = orbital.energy, occupation = 2.0;
+    wfn_header_value(header.data(), wfn_energy_label, &energy);
+    wfn_header_value(header.data(), wfn_occupation_label, &occupation);
+    cuts_energy = cuts_energy || energy != orbital.energy;
+    has_other_occupation = has_other_occupation || occupation != 2.0;
     for (unsigned j = 0; j < molecule->basis_count; ++j) {
       orbital.coefficients[j] = read_real(reader, no_coefficient);
     }
+  }
+  if (cuts_energy) {
+    msg_tell("an orbital energy of the WFN file is cut at column %u; INPUT_CONVENTION 1 reads it whole",
+             energy_column);
+  }
+  if (has_other_occupation) {
+    msg_tell("occupation numbers of the WFN file other than 2 count as 2; INPUT_CONVENTION 1 reads them");
   }
   // The last number needs a line end behind it: it may have been cut off.
   if (orbital_count > 0 && reader.is_at_end()) {

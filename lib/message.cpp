@@ -40,6 +40,15 @@ void msg_error_fce_set(MessageHook hook, void* first, void* second) {
 
 void msg_warn(const char* text) { std::printf("warning: %s\n", text); }
 
+void msg_tell(const char* format, ...) {
+  char text[msg_text_size];
+  va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(text, sizeof text, format, arguments);
+  va_end(arguments);
+  std::fprintf(stderr, "warning: %s\n", text);
+}
+
 void msg_debug(const char* text, std::int16_t flag) {
   if (flag != 0) {
     std::printf("debug: %s\n", text);

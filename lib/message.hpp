@@ -35,6 +35,10 @@ void msg_error_fce_set(MessageHook hook, void* first, void* second);
 /// Prints "warning: TEXT". Whether a warning is wanted is the caller's decision.
 void msg_warn(const char* text);
 
+/// Prints "warning: TEXT", the text made by printf's `format`, on standard error: for what is told beside the
+/// program's regular output.
+__attribute__((format(printf, 1, 2))) void msg_tell(const char* format, ...);
+
 /// Prints "debug: TEXT" if `flag` is nonzero.
 void msg_debug(const char* text, std::int16_t flag);
 

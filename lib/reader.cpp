@@ -247,6 +247,11 @@ bool Reader::take_real(std::string& text) {
   return true;
 }
 
+std::string_view Reader::at_hand() {
+  fill();
+  return {next_, static_cast<std::size_t>(end_ - next_)};
+}
+
 bool Reader::is_at_end() { return !fill(); }
 
 std::uint64_t Reader::remaining() const {

@@ -39,6 +39,9 @@ class Reader {
   bool number(unsigned& value);
   bool number(double& value);
 
+  /// What is at hand of the text ahead, at least a byte of it unless it is at its end. The next read ends it.
+  std::string_view at_hand();
+
   /// Whether all is read. A number that ends there may have been cut off.
   bool is_at_end();
 
