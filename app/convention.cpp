@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 #include <functional>
 #include <span>
 #include <string>
@@ -21,6 +22,7 @@
 namespace {
 
 constexpr unsigned checked_orbitals = 8;
+constexpr unsigned orbitals_of_g_max = 16;
 constexpr double norm_is_other = 0.01;   // with 0: so far from 1, and ten times nearer with 1
 constexpr double norm_is_wrong = 0.001;  // with 1
 constexpr double occupation_min = -0.01;
@@ -144,8 +146,8 @@ std::string name_of(const Orbital* orbital, const Molecule* molecule) {
                                  : "beta orbital " + std::to_string(orbital - molecule->beta_orbitals + 1);
 }
 
-void tell_if_other(const Molecule* molecule, Turn turn) {
-  const std::vector<const Orbital*> sample = sample_of(molecule);
+// The first of the orbitals whose norm shows that the file is meant as a turn makes it.
+void tell_if_other(const Molecule* molecule, const std::vector<const Orbital*>& sample, Turn turn) {
   const std::vector<double> norms = norms_after(turn_nothing, molecule, sample);
   const std::vector<double> others = norms_after(turn, molecule, sample);
   for (std::size_t i = 0; i < std::min(norms.size(), others.size()); ++i) {
@@ -169,48 +171,48 @@ void tell_if_wrong(const Molecule* molecule) {
   }
 }
 
-// Which of the two orders the Cartesian g functions stand in, by the orbitals that they matter most to.
-Turn find_turn_of_g(const Molecule* molecule) {
-  const std::span functions(molecule->basis, molecule->basis_count);
-  struct Share {
-    const Orbital* orbital;
-    double squares;
-  };
-  std::vector<Share> shares;
-  for (const std::span orbitals : {std::span(molecule->alpha_orbitals, molecule->alpha_orbital_count),
-                                   std::span(molecule->beta_orbitals, molecule->beta_orbital_count)}) {
-    for (const Orbital& orbital : orbitals) {
-      double squares = 0.0;
-      for (std::size_t f = 0; f < functions.size(); ++f) {
-        squares += functions[f].type == 4 ? orbital.coefficients[f] * orbital.coefficients[f] : 0.0;
-      }
-      shares.push_back({&orbital, squares});
-    }
-  }
-  std::ranges::stable_sort(shares, std::greater<>{}, &Share::squares);
-  std::vector<const Orbital*> orbitals;
-  for (const Share& share :
-       std::span(shares).first(std::min<std::size_t>(shares.size(), 2 * checked_orbitals))) {
-    orbitals.push_back(share.orbital);
-  }
-  const auto error_of = [&](Turn turn) {
-    double error = 0.0;
-    for (const double norm : norms_after(turn, molecule, orbitals)) {
-      error += std::fabs(norm - 1.0);
-    }
-    return error;
-  };
-  return error_of(turn_all_g) < error_of(turn_pure_g) ? turn_all_g : turn_pure_g;
-}
-
 bool has_type(const Molecule* molecule, short type) {
   return std::ranges::any_of(std::span(molecule->basis, molecule->basis_count),
                              [type](const BasisFunction& function) { return function.type == type; });
 }
 
+// The orbitals to which g functions matter most.
+std::vector<const Orbital*> orbitals_of_g(const Molecule* molecule) {
+  std::vector<std::pair<double, const Orbital*>> shares;
+  for (const std::span orbitals : {std::span(molecule->alpha_orbitals, molecule->alpha_orbital_count),
+                                   std::span(molecule->beta_orbitals, molecule->beta_orbital_count)}) {
+    for (const Orbital& orbital : orbitals) {
+      double squares = 0.0;
+      for (unsigned f = 0; f < molecule->basis_count; ++f) {
+        squares +=
+            std::abs(molecule->basis[f].type) == 4 ? orbital.coefficients[f] * orbital.coefficients[f] : 0.0;
+      }
+      shares.emplace_back(squares, &orbital);
+    }
+  }
+  std::ranges::stable_sort(shares, std::greater<>{}, [](const auto& share) { return share.first; });
+  std::vector<const Orbital*> orbitals;
+  for (std::size_t i = 0; i < std::min<std::size_t>(shares.size(), orbitals_of_g_max); ++i) {
+    orbitals.push_back(shares[i].second);
+  }
+  return orbitals;
+}
+
+// Which of the two orders the Cartesian g functions stand in.
+Turn find_turn_of_g(const Molecule* molecule, const std::vector<const Orbital*>& sample) {
+  const auto error_of = [&](Turn turn) {
+    double error = 0.0;
+    for (const double norm : norms_after(turn, molecule, sample)) {
+      error += std::fabs(norm - 1.0);
+    }
+    return error;
+  };
+  return has_type(molecule, 4) && error_of(turn_all_g) < error_of(turn_pure_g) ? turn_all_g : turn_pure_g;
+}
+
 // Occupations.
 
-void check_occupations(const Molecule* molecule) {
+void settle_occupations(Molecule* molecule) {
   double sum = 0.0, negative = 0.0;
   for (const Orbital& orbital : std::span(molecule->alpha_orbitals, molecule->alpha_orbital_count)) {
     if (orbital.occupation < occupation_min) {
@@ -226,6 +228,8 @@ void check_occupations(const Molecule* molecule) {
   if (std::fabs(sum - std::round(sum)) > 0.001) {
     msg_tell("occupation numbers add up to %.4f, which is no number of electrons", sum);
   }
+  molecule->has_occupations = true;
+  molecule->electron_count = static_cast<unsigned>(std::clamp(std::round(sum), 0.0, 4294967295.0));
 }
 
 bool has_equal_spins(const Molecule* molecule) {
@@ -237,11 +241,20 @@ bool has_equal_spins(const Molecule* molecule) {
   });
 }
 
-void tell_if_without_energies(const Molecule* molecule) {
+void tell_if_energies_are_odd(const Molecule* molecule) {
   const std::vector<WeightedOrbital> occupied = occupation_of(molecule).orbitals;
-  const auto has_none = [](const WeightedOrbital& entry) { return entry.orbital->energy == 0.0; };
-  if (conf_print_cube != 0 && conf_cube_orva != 0 && !occupied.empty() &&
-      std::ranges::all_of(occupied, has_none)) {
+  const auto all = [&](auto is) {
+    return std::ranges::all_of(occupied,
+                               [&](const WeightedOrbital& entry) { return is(entry.orbital->energy); });
+  };
+  if (occupied.empty() || !all([](double energy) { return energy >= 0.0; })) {
+    return;
+  }
+  if (!all([](double energy) { return energy == 0.0; })) {
+    msg_tell(
+        "no occupied orbital has a negative energy: natural orbitals, in another order, would not be seen as "
+        "such");
+  } else if (conf_print_cube != 0 && conf_cube_orva != 0) {
     msg_tell("all occupied orbitals have the energy 0: the ionization potential means nothing");
   }
 }
@@ -261,20 +274,20 @@ void convention_tell_format(std::string_view beginning) {
 
 void convention_settle_wfn(Molecule* molecule) {
   if (conf_input_convention == 0) {
-    tell_if_other(molecule, turn_wfn);
+    tell_if_other(molecule, sample_of(molecule), turn_wfn);
     return;
   }
-  check_occupations(molecule);
-  molecule->has_occupations = true;
+  settle_occupations(molecule);
   turn_wfn({molecule->basis, molecule->basis_count},
            {molecule->alpha_orbitals, molecule->alpha_orbital_count});
-  tell_if_without_energies(molecule);
+  tell_if_energies_are_odd(molecule);
   tell_if_wrong(molecule);
 }
 
-void convention_place_electrons(Molecule* molecule, bool is_named_restricted) {
+void convention_place_electrons(Molecule* molecule) {
   const unsigned alpha = molecule->alpha_electron_count, beta = molecule->beta_electron_count;
-  if (is_named_restricted && alpha == beta && has_equal_spins(molecule)) {
+  // What the method's name tells so far: a closed shell that lists its orbitals twice.
+  if (inp_rest_scf != 0 && alpha == beta && has_equal_spins(molecule)) {
     mem_free_beta_orbitals(molecule);
   }
   inp_rest_scf = molecule->beta_orbitals == nullptr ? 1 : 0;
@@ -289,18 +302,21 @@ void convention_place_electrons(Molecule* molecule, bool is_named_restricted) {
 }
 
 void convention_settle_fchk(Molecule* molecule) {
-  const bool has_cartesian_g = has_type(molecule, 4);
-  const Turn turn = has_cartesian_g ? find_turn_of_g(molecule) : turn_pure_g;
-  if (conf_input_convention == 0) {
-    if (has_cartesian_g || has_type(molecule, -4)) {
-      tell_if_other(molecule, turn);
+  tell_if_energies_are_odd(molecule);
+  if (has_type(molecule, 4) || has_type(molecule, -4)) {
+    const std::vector<const Orbital*> rich = orbitals_of_g(molecule);
+    const Turn turn = find_turn_of_g(molecule, rich);
+    if (conf_input_convention == 0) {
+      std::vector<const Orbital*> sample = sample_of(molecule);
+      sample.insert(sample.end(), rich.begin(), rich.end());
+      tell_if_other(molecule, sample, turn);
+    } else {
+      const Functions functions(molecule->basis, molecule->basis_count);
+      turn(functions, {molecule->alpha_orbitals, molecule->alpha_orbital_count});
+      turn(functions, {molecule->beta_orbitals, molecule->beta_orbital_count});
     }
-    return;
   }
-  for (const Orbitals orbitals : {Orbitals(molecule->alpha_orbitals, molecule->alpha_orbital_count),
-                                  Orbitals(molecule->beta_orbitals, molecule->beta_orbital_count)}) {
-    turn({molecule->basis, molecule->basis_count}, orbitals);
+  if (conf_input_convention != 0) {
+    tell_if_wrong(molecule);
   }
-  tell_if_without_energies(molecule);
-  tell_if_wrong(molecule);
 }

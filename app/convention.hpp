@@ -17,10 +17,10 @@ void convention_tell_format(std::string_view beginning);
 /// convention (0) or are not 1 (1), and which occupations look wrong (1).
 void convention_settle_wfn(Molecule* molecule);
 
-/// With 1, sets inp_rest_scf and which orbitals are occupied for a molecule as read from a formatted
-/// checkpoint file: without beta orbitals all electrons are in the alpha orbitals, some of them perhaps
-/// singly. `is_named_restricted`: the method begins with R; beta orbitals that are the alpha ones go then.
-void convention_place_electrons(Molecule* molecule, bool is_named_restricted);
+/// For INPUT_CONVENTION 1 and a molecule as read from a formatted checkpoint file: sets inp_rest_scf and
+/// which orbitals are occupied. Without beta orbitals all electrons are in the alpha orbitals, some of them
+/// perhaps singly. The beta orbitals of a closed shell go if they are the alpha ones once more.
+void convention_place_electrons(Molecule* molecule);
 
 /// For a molecule as read from a formatted checkpoint file. With 1: pure g functions have norm 1, and
 /// Cartesian g functions stand in that of two orders which brings the orbitals' norms nearer to 1. Tells as

@@ -1,315 +1,25 @@
 #include "fcheck.hpp"
 
 #include <algorithm>
-#include <array>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <optional>
 #include <span>
-#include <utility>
-#include <vector>
 
-#include "atom.hpp"
 #include "convention.hpp"
+#include "fcheck_sections.hpp"
 #include "file.hpp"
 #include "memory.hpp"
 #include "message.hpp"
-#include "reader.hpp"
 #include "reorder.hpp"
 #include "setup.hpp"
-#include "shell.hpp"
-#include "str_sub.hpp"
 #include "str_trim.hpp"
-#include "vec_base.hpp"
 
 namespace {
 
 constexpr const char* blanks = " \t";
 
-// Which files must have a section.
-enum class Need { none, always, restricted, unrestricted, sp_shells, beta_orbitals };
-
-struct Input;
-
-struct Section {
-  const char* label;
-  Need need;
-  void (*take)(Input& input, const Section& section);
-
-  // What a count tells, or how many records an array has; null for anything else.
-  unsigned Molecule::*count = nullptr;
-  // How many values a count announces of the rest of the file, or an array of so many records has.
-  std::uint64_t (*values)(const Molecule& molecule, std::uint64_t count) = nullptr;
-  // Makes room for what is counted.
-  void (*allocate)(Molecule* molecule) = nullptr;
-
-  // Of an array: what is wrong if one of its values is no number.
-  const char* failure = nullptr;
-
-  bool is_array() const { return failure != nullptr; }
-
-  // False for an array of length 0: its count is 0, or has not been read yet.
-  bool has_values(const Molecule& molecule) const { return !is_array() || molecule.*count > 0; }
-};
-
-constexpr unsigned section_count = 22;
-
-enum class State : unsigned char { absent, met, read };  // met: too early, before the count of its values
-
-struct Input {
-  Input(std::FILE* stream, Molecule* to) : reader(stream), molecule(to) {}
-
-  Reader reader;
-  Molecule* molecule;
-  ShellTable shells{};
-  std::array<char, sizeof Molecule::title> line{};  // the label line
-  std::array<State, section_count> states{};        // of the sections
-  std::vector<unsigned Molecule::*> known;          // the counts that are
-  std::vector<double> coordinates;                  // of the last geometry, bohr
-  bool has_orbitals = false;                        // their coefficients
-  bool is_named_restricted = false;                 // the method begins with R
-};
-
-[[noreturn]] void fail(const char* trouble, const Section& section) {
-  msg_fatal_format("%s in fchk file - %s", trouble, section.label);
-}
-
-// Scalars.
-
-State& state_of(Input& input, const Section& section);
-
-bool is_known(const Input& input, unsigned Molecule::*count) {
-  return std::ranges::find(input.known, count) != input.known.end();
-}
-
-// Takes a count, once. `trouble`: what is wrong with one that the rest of the file cannot hold.
-void set_count(Input& input, const Section& section, unsigned count, const char* trouble) {
-  if (section.values != nullptr && !input.reader.may_hold(section.values(*input.molecule, count))) {
-    fail(trouble, section);
-  }
-  input.molecule->*section.count = count;
-  input.known.push_back(section.count);
-  if (section.allocate != nullptr) {
-    section.allocate(input.molecule);
-  }
-}
-
-void take_count(Input& input, const Section& section) {
-  const int value = fcheck_last_int(input.line.data());
-  const auto count = static_cast<unsigned>(value);
-  if (is_known(input, section.count)) {
-    if (input.molecule->*section.count != count) {
-      fail("contradictory count", section);
-    }
-    return;
-  }
-  const bool may_be_cut_off = input.reader.is_at_end() && std::strchr(input.line.data(), '\n') == nullptr;
-  if (value < 0 || may_be_cut_off) {
-    fail("invalid count", section);
-  }
-  set_count(input, section, count, "invalid count");
-}
-
-void take_charge(Input& input, const Section&) {
-  input.molecule->charge = fcheck_last_int(input.line.data());
-}
-
-void check_angular_momentum(Input& input, const Section&) {
-  const int momentum = fcheck_last_int(input.line.data());
-  if (momentum < 0 || momentum > shell_max) {
-    msg_fatal("maximal anglular momentum exceeds limit");
-  }
-}
-
-// Arrays.
-
-template <class Number>
-void read_values(Input& input, const Section& section, Number* values, std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) {
-    if (!input.reader.number(values[i]) || input.reader.is_at_end()) {
-      msg_fatal(section.failure);
-    }
-  }
-}
-
-std::span<Atom> atoms(const Input& input) { return {input.molecule->atoms, input.molecule->atom_count}; }
-
-void take_atomic_numbers(Input& input, const Section& section) {
-  for (Atom& atom : atoms(input)) {
-    read_values(input, section, &atom.atomic_number, 1);
-    atom_name(atom.symbol, static_cast<int>(atom.atomic_number));
-  }
-}
-
-void place_atoms(const Input& input) {
-  for (auto from = input.coordinates.begin(); Atom & atom : atoms(input)) {
-    std::copy_n(from, 3, atom.coord);
-    from += 3;
-  }
-}
-
-// An optimisation writes a geometry for each step. One behind the orbitals is not theirs.
-void take_coordinates(Input& input, const Section& section) {
-  const bool is_first = input.coordinates.empty();
-  const std::vector<double> before = input.coordinates;
-  input.coordinates.resize(std::size_t{3} * input.molecule->atom_count);
-  read_values(input, section, input.coordinates.data(), input.coordinates.size());
-  const bool is_behind = !is_first && input.has_orbitals;
-  if (!is_behind || conf_input_convention == 0) {
-    place_atoms(input);
-  }
-  if (is_behind && conf_input_convention == 0 && input.coordinates != before) {
-    msg_tell(
-        "the geometry is one behind the orbitals in the fchk file; INPUT_CONVENTION 1 takes that before "
-        "them");
-  }
-}
-
-template <Orbital* Molecule::*target>
-void take_coefficients(Input& input, const Section& section) {
-  for (const Orbital& orbital : std::span(input.molecule->*target, input.molecule->*section.count)) {
-    read_values(input, section, orbital.coefficients, input.molecule->basis_count);
-  }
-  if (target == &Molecule::alpha_orbitals && !input.coordinates.empty()) {
-    place_atoms(input);
-  }
-  input.has_orbitals = true;
-}
-
-template <Orbital* Molecule::*target>
-void take_energies(Input& input, const Section& section) {
-  for (Orbital& orbital : std::span(input.molecule->*target, input.molecule->*section.count)) {
-    read_values(input, section, &orbital.energy, 1);
-  }
-}
-
-void allocate(int*& vector, unsigned n) { vector = vec_ialloc(n); }
-void allocate(unsigned*& vector, unsigned n) { vector = vec_ualloc(n); }
-void allocate(double*& vector, unsigned n) { vector = vec_falloc(n); }
-
-template <auto target>
-void take_vector(Input& input, const Section& section) {
-  auto*& vector = input.shells.*target;
-  const unsigned count = input.molecule->*section.count;
-  if (vector == nullptr) {
-    allocate(vector, count);
-  }
-  read_values(input, section, vector, count);
-}
-
-// Values of counts and arrays.
-
-template <unsigned per_record>
-std::uint64_t values_of(const Molecule&, std::uint64_t count) {
-  return per_record * count;
-}
-// Energies and coefficients of one spin, if there are as many orbitals as functions.
-std::uint64_t function_values(const Molecule&, std::uint64_t count) {
-  return conf_input_convention == 0 ? (count + 1) * count : count;
-}
-std::uint64_t coefficient_values(const Molecule& molecule, std::uint64_t count) {
-  return count * molecule.basis_count;
-}
-
-// With INPUT_CONVENTION 1 the arrays tell how many orbitals there are.
-void allocate_as_many_orbitals(Molecule* molecule) {
-  if (conf_input_convention == 0) {
-    mem_alloc_orbitals(molecule);
-  }
-}
-void allocate_alpha(Molecule* molecule) { mem_alloc_alpha_orbitals(molecule, molecule->alpha_orbital_count); }
-void allocate_beta(Molecule* molecule) { mem_alloc_beta_orbitals(molecule, molecule->beta_orbital_count); }
-
-// Makers of the table's entries.
-
-using Allocate = void (*)(Molecule* molecule);
-using Values = std::uint64_t (*)(const Molecule& molecule, std::uint64_t count);
-
-constexpr Section count_section(const char* label, Need need, unsigned Molecule::*count,
-                                Values values = nullptr, Allocate allocate = nullptr) {
-  return {.label = label,
-          .need = need,
-          .take = take_count,
-          .count = count,
-          .values = values,
-          .allocate = allocate};
-}
-
-constexpr Section array_section(const char* label, Need need, void (*take)(Input&, const Section&),
-                                unsigned Molecule::*count, Values values, Allocate allocate,
-                                const char* failure) {
-  return {.label = label,
-          .need = need,
-          .take = take,
-          .count = count,
-          .values = values,
-          .allocate = allocate,
-          .failure = failure};
-}
-
-constexpr Section shell_section(const char* label, Need need, void (*take)(Input&, const Section&),
-                                unsigned Molecule::*count, const char* failure) {
-  return array_section(label, need, take, count, values_of<1>, nullptr, failure);
-}
-
-// In the order in which a line is compared with the labels.
-constexpr std::array sections = {
-    count_section("Number of atoms", Need::always, &Molecule::atom_count, values_of<4>, mem_alloc_atoms),
-    Section{"Charge", Need::none, take_charge},
-    count_section("Multiplicity", Need::none, &Molecule::multiplicity),
-    count_section("Number of electrons", Need::restricted, &Molecule::electron_count),
-    count_section("Number of alpha electrons", Need::unrestricted, &Molecule::alpha_electron_count),
-    count_section("Number of beta electrons", Need::unrestricted, &Molecule::beta_electron_count),
-    count_section("Number of basis functions", Need::always, &Molecule::basis_count, function_values,
-                  allocate_as_many_orbitals),
-    array_section("Atomic numbers", Need::always, take_atomic_numbers, &Molecule::atom_count, values_of<1>,
-                  mem_alloc_atoms, "cannot read atomic numbers"),
-    array_section("Current cartesian coordinates", Need::always, take_coordinates, &Molecule::atom_count,
-                  values_of<3>, mem_alloc_atoms, "cannot read cartesian coordinates"),
-    array_section("Alpha MO coefficients", Need::always, take_coefficients<&Molecule::alpha_orbitals>,
-                  &Molecule::alpha_orbital_count, coefficient_values, allocate_alpha,
-                  "cannot read alpha MO coefficients"),
-    array_section("Beta MO coefficients", Need::beta_orbitals, take_coefficients<&Molecule::beta_orbitals>,
-                  &Molecule::beta_orbital_count, coefficient_values, allocate_beta,
-                  "cannot read beta MO coefficients"),
-    array_section("Alpha Orbital Energies", Need::always, take_energies<&Molecule::alpha_orbitals>,
-                  &Molecule::alpha_orbital_count, values_of<1>, allocate_alpha,
-                  "cannot read alpha MO energies"),
-    array_section("Beta Orbital Energies", Need::beta_orbitals, take_energies<&Molecule::beta_orbitals>,
-                  &Molecule::beta_orbital_count, values_of<1>, allocate_beta, "cannot read beta MO energies"),
-    count_section("Number of contracted shells", Need::always, &Molecule::shell_count, values_of<3>),
-    Section{"Highest angular momentum", Need::none, check_angular_momentum},
-    shell_section("Number of primitives per shell", Need::always, take_vector<&ShellTable::primitive_counts>,
-                  &Molecule::shell_count, "cannot read number of primitives per shell"),
-    shell_section("Shell to atom map", Need::always, take_vector<&ShellTable::atom_map>,
-                  &Molecule::shell_count, "cannot read shell to atom indices"),
-    shell_section("Shell types", Need::always, take_vector<&ShellTable::types>, &Molecule::shell_count,
-                  "cannot read shell types"),
-    shell_section("Primitive exponents", Need::always, take_vector<&ShellTable::exponents>,
-                  &Molecule::primitive_count, "cannot read primitive exponents"),
-    shell_section("Contraction coefficients", Need::always, take_vector<&ShellTable::coefficients>,
-                  &Molecule::primitive_count, "cannot read contraction coefficients"),
-    shell_section("P(S=P) Contraction coefficients", Need::sp_shells,
-                  take_vector<&ShellTable::sp_coefficients>, &Molecule::primitive_count,
-                  "cannot read SP contraction coefficients"),
-    count_section("Number of primitive shells", Need::always, &Molecule::primitive_count, values_of<2>),
-};
-static_assert(sections.size() == section_count);
-
-State& state_of(Input& input, const Section& section) {
-  return input.states[static_cast<std::size_t>(&section - sections.data())];
-}
-
-// The second word of a line, and what follows it.
-const char* method_in(const char* line) {
-  const char* word = line + std::strspn(line, blanks);
-  word += std::strcspn(word, blanks);
-  return word + std::strspn(word, blanks);
-}
-
-void read_heading(Input& input) {
+void read_heading(FchkInput& input) {
   if (!input.reader.line(input.line)) {
     msg_fatal("unexpected end of fchk file while reading comment line");
   }
@@ -317,121 +27,36 @@ void read_heading(Input& input) {
   if (!input.reader.line(input.line)) {
     msg_fatal("unexpected end of input file");
   }
-  if (conf_input_convention == 0) {
-    fcheck_input_method(input.line.data());
-  }
-  input.is_named_restricted = *method_in(input.line.data()) == 'R';
-}
-
-// The number of values that the label line of an array announces.
-std::optional<std::uint64_t> announced_length(const char* line, const Section& section) {
-  const char* const mark = std::strstr(line + std::min(std::strlen(line), std::strlen(section.label)), "N=");
-  char* stop = nullptr;
-  const long length = mark != nullptr ? std::strtol(mark + 2, &stop, 10) : 0;
-  if (mark == nullptr || stop == mark + 2 || length < 0) {
-    return std::nullopt;
-  }
-  return length;
-}
-
-// With INPUT_CONVENTION 1 what is announced takes the place of a count that is missing, and tells how many
-// orbitals there are.
-void settle_length(Input& input, const Section& section) {
-  const auto length = announced_length(input.line.data(), section);
-  const std::uint64_t of_record = section.values(*input.molecule, 1);
-  if (!length || of_record == 0) {
-    return;
-  }
-  if (!is_known(input, section.count)) {
-    const std::uint64_t count = *length / of_record;
-    const bool is_of_orbitals = section.allocate == allocate_alpha || section.allocate == allocate_beta;
-    if (count > std::numeric_limits<int>::max() || (is_of_orbitals && count > input.molecule->basis_count) ||
-        (is_of_orbitals && !input.reader.may_hold(coefficient_values(*input.molecule, count)))) {
-      fail("invalid length", section);
-    }
-    set_count(input, section, static_cast<unsigned>(count), "invalid length");
-  }
-  if (section.values(*input.molecule, input.molecule->*section.count) != *length) {
-    fail("contradictory length", section);
-  }
-}
-
-void read_sections(Input& input) {
-  while (input.reader.line(input.line)) {
-    const char* line = input.line.data();
-    // Most lines are numbers: their first character tells.
-    const auto* section = std::find_if(sections.begin(), sections.end(), [line](const Section& candidate) {
-      return *line == *candidate.label && str_sub_bfind(line, candidate.label) != 0;
-    });
-    if (section == sections.end()) {
-      continue;
-    }
-    if (section->is_array() && conf_input_convention != 0) {
-      settle_length(input, *section);
-    }
-    const bool has_values = section->has_values(*input.molecule);
-    if (has_values) {
-      section->take(input, *section);
-    }
-    state_of(input, *section) = has_values ? State::read : State::met;
-  }
-}
-
-// Whether there is a section of beta orbitals: a file without any of them has none, one with a part of them
-// was cut off, or has them before the count that they need.
-bool has_beta_orbitals(Input& input) {
-  return std::any_of(sections.begin(), sections.end(), [&](const Section& section) {
-    return section.need == Need::beta_orbitals && state_of(input, section) != State::absent;
-  });
-}
-
-bool is_needed(Need need, Input& input) {
-  const bool is_by_name = conf_input_convention == 0;  // the method's, whether it is restricted
-  switch (need) {
-    case Need::none:
-      return false;
-    case Need::always:
-      return true;
-    case Need::restricted:
-      return is_by_name && inp_rest_scf != 0;
-    case Need::unrestricted:
-      return !is_by_name || inp_rest_scf == 0;
-    case Need::sp_shells:
-      return vec_iin(input.shells.types, sp_shell, input.molecule->shell_count) != vec_not_found;
-    case Need::beta_orbitals:
-      return has_beta_orbitals(input);
-  }
-  return true;
-}
-
-void check_sections(Input& input) {
-  for (const Section& section : sections) {
-    const bool is_there =
-        section.take == take_count ? is_known(input, section.count) : state_of(input, section) == State::read;
-    if (!is_there && section.has_values(*input.molecule) && is_needed(section.need, input)) {
-      fail("missing section", section);
-    }
-  }
+  fcheck_input_method(input.line.data());
 }
 
 // A closed shell need not tell the electrons of each spin.
-void settle_electrons(Input& input) {
+void settle_electrons(FchkInput& input) {
   Molecule& molecule = *input.molecule;
-  if (!is_known(input, &Molecule::alpha_electron_count) && !is_known(input, &Molecule::beta_electron_count) &&
-      is_known(input, &Molecule::electron_count) && molecule.electron_count % 2 == 0 &&
+  if (!input.knows(&Molecule::alpha_electron_count) && !input.knows(&Molecule::beta_electron_count) &&
+      input.knows(&Molecule::electron_count) && molecule.electron_count % 2 == 0 &&
       molecule.multiplicity <= 1) {
     molecule.alpha_electron_count = molecule.beta_electron_count = molecule.electron_count / 2;
     input.known.insert(input.known.end(), {&Molecule::alpha_electron_count, &Molecule::beta_electron_count});
   }
 }
 
-void tell_electrons(Input& input) {
+void tell_electrons(FchkInput& input) {
   const Molecule& molecule = *input.molecule;
-  if (inp_rest_scf == 0 && !has_beta_orbitals(input) && molecule.beta_electron_count > 0) {
+  if (inp_rest_scf == 0 && !fcheck_has_beta_orbitals(input) && molecule.beta_electron_count > 0) {
     msg_tell("no beta orbitals in fchk file, beta electrons are left out; INPUT_CONVENTION 1 has them");
   }
+  const std::span beta(molecule.beta_orbitals,
+                       std::min(molecule.beta_electron_count, molecule.beta_orbital_count));
+  const auto is_zero = [&](const Orbital& orbital) {
+    return std::all_of(orbital.coefficients, orbital.coefficients + molecule.basis_count,
+                       [](double c) { return c == 0.0; });
+  };
+  if (fcheck_has_beta_orbitals(input) && !beta.empty() && std::ranges::all_of(beta, is_zero)) {
+    msg_tell("beta orbitals in fchk file are zeros, beta electrons are left out");
+  }
   if (inp_rest_scf != 0 && molecule.alpha_electron_count != molecule.beta_electron_count &&
-      is_known(input, &Molecule::alpha_electron_count) && is_known(input, &Molecule::beta_electron_count)) {
+      input.knows(&Molecule::alpha_electron_count) && input.knows(&Molecule::beta_electron_count)) {
     msg_tell("%u alpha and %u beta electrons are taken for pairs; INPUT_CONVENTION 1 tells them apart",
              molecule.alpha_electron_count, molecule.beta_electron_count);
   }
@@ -451,20 +76,20 @@ void check_electrons(const Molecule& molecule) {
 
 void fcheck_read(Molecule* molecule) {
   std::FILE* stream = file_open(glob_file_input, "r");
-  Input input(stream, molecule);
+  FchkInput input(stream, molecule);
   convention_tell_format(input.reader.at_hand());
   reorder_shell_init(&input.shells);
   read_heading(input);
-  read_sections(input);
+  fcheck_read_sections(input);
   file_close(stream);
 
   if (conf_input_convention != 0) {
     settle_electrons(input);
   }
-  check_sections(input);
+  fcheck_check_sections(input);
   reorder_basis(molecule, &input.shells);
   if (conf_input_convention != 0) {
-    convention_place_electrons(molecule, input.is_named_restricted);
+    convention_place_electrons(molecule);
   } else {
     tell_electrons(input);
   }
@@ -473,11 +98,13 @@ void fcheck_read(Molecule* molecule) {
 }
 
 void fcheck_input_method(const char* line) {
-  const char* const method = method_in(line);
-  if (*method == '\0') {
+  const char* word = line + std::strspn(line, blanks);
+  word += std::strcspn(word, blanks);
+  word += std::strspn(word, blanks);
+  if (*word == '\0') {
     msg_fatal("cannot find method which was used to compute MOs");
   }
-  inp_rest_scf = *method == 'R' ? 1 : 0;
+  inp_rest_scf = *word == 'R' ? 1 : 0;
 }
 
 int fcheck_last_int(const char* line) {

@@ -5,7 +5,6 @@
 #include <cstring>
 #include <new>
 
-
 namespace {
 
 // For the instruction set of the exact sweep's kernel, or for any.

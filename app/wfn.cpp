@@ -185,7 +185,8 @@ void wfn_read_basis(Molecule* molecule, Reader& reader) {
 
   wfn_read_udata(centres.data(), count, 20, 20, reader);
   wfn_read_udata(types.data(), count, 20, 20, reader);
-  const auto beyond = std::ranges::find_if(types, [](unsigned type) { return type > wfn_type_count; });
+  const auto beyond =
+      std::ranges::find_if(types, [](unsigned type) { return type < 1 || type > wfn_type_count; });
   if (beyond != types.end()) {
     msg_tell("type number %u of the WFN file is none of a shell up to g, and taken for an s function",
              *beyond);

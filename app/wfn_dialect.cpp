@@ -257,10 +257,9 @@ void wfn_dialect_read(Molecule* molecule, const char* first_line, Reader& reader
 }
 
 bool wfn_header_value(std::string_view header, std::string_view label, double* value) {
-  const std::size_t sign = header.find('=', std::min(header.find(label), header.size()));
-  if (sign == header.npos) {
-    return false;
-  }
-  return str_fortran_real(std::string(header.substr(sign + 1)).c_str(), value) != nullptr &&
+  const std::size_t at = header.find(label);
+  const std::size_t sign = at == header.npos ? at : header.find_first_not_of(blanks, at + label.size());
+  return sign != header.npos && header[sign] == '=' &&
+         str_fortran_real(std::string(header.substr(sign + 1)).c_str(), value) != nullptr &&
          std::isfinite(*value);
 }

@@ -36,14 +36,16 @@ auto with_values(Settings&... settings) {
 }
 
 const auto defaults = with_values(
-    glob_file_input, glob_file_config, glob_file_output, arg_quiet, arg_warning, inp_format, inp_rest_scf,
-    conf_width, conf_print_coord, conf_print_zmat, conf_print_dmat, conf_print_shell, conf_print_base,
-    conf_print_mo, conf_print_cubp, conf_print_cube, conf_cube_totd, conf_cube_allmo, conf_cube_onemo,
-    conf_cube_onety, conf_cube_onesp, conf_cube_moden, conf_cube_orva, conf_cube_def, glob_cube_file_tot,
-    glob_cube_file_orb, glob_cube_file_mod, glob_cube_file_orva);
+    glob_file_input, glob_file_config, glob_file_output, conf_input_convention, arg_quiet, arg_warning,
+    inp_format, inp_rest_scf, conf_width, conf_print_coord, conf_print_zmat, conf_print_dmat,
+    conf_print_shell, conf_print_base, conf_print_mo, conf_print_cubp, conf_print_cube, conf_cube_totd,
+    conf_cube_allmo, conf_cube_onemo, conf_cube_onety, conf_cube_onesp, conf_cube_moden, conf_cube_orva,
+    conf_cube_def, glob_cube_file_tot, glob_cube_file_orb, glob_cube_file_mod, glob_cube_file_orva);
 
 void prepare(std::string_view input) {
-  static const bool is_quiet = std::freopen("/dev/null", "w", stdout) != nullptr;  // no messages
+  // No messages; reports of the sanitizers and of the fuzzer do not go through the stream.
+  static const bool is_quiet = std::freopen("/dev/null", "w", stdout) != nullptr &&
+                               (stderr = std::fopen("/dev/null", "w")) != nullptr;
   static const int file = memfd_create("input", 0);
   if (!is_quiet || ftruncate(file, 0) != 0 || pwrite(file, input.data(), input.size(), 0) < 0) {
     std::abort();
@@ -113,7 +115,7 @@ int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   }
   is_running = false;
   if (has_returned && !held.empty()) {
-    std::fputs("left behind:\n", stderr);
+    dprintf(STDERR_FILENO, "left behind:\n");
     __asan_describe_address(held.begin()->first);
     std::abort();
   }

@@ -1,0 +1,495 @@
+#include "convention.hpp"
+
+#include "comp.hpp"
+#include "cube.hpp"
+#include "eval.hpp"
+#include "fcheck.hpp"
+#include "occupation.hpp"
+#include "options.hpp"
+#include "overlap.hpp"
+#include "rows.hpp"
+#include "small_files.hpp"
+#include "wfn.hpp"
+
+namespace {
+
+struct SmallPrimitive {
+  unsigned atom, type;
+  double exponent;
+};
+
+struct SmallOrbital {
+  double occupation, energy;
+  Numbers coefficients;
+};
+
+// A WFN file as other programs write it: bare primitives, columns of a fixed width.
+struct SmallWfn {
+  std::vector<SmallAtom> atoms = {{3, {0.0, 0.0, 0.0}}, {1, {0.0, -0.5, 3.0}}};
+  std::vector<SmallPrimitive> primitives = {
+      {1, 1, 1.5}, {1, 2, 0.75}, {1, 14, 2.0}, {2, 1, 1.5}, {2, 7, 0.9}};
+  std::vector<SmallOrbital> orbitals = {{2.0, -2.5, {0.5, -0.25, 0.125, 0.75, 1.0}},
+                                        {2.0, -0.5, {-0.5, 0.5, 0.375, 0.25, -1.0}}};
+};
+
+std::string text_of(const SmallWfn& wfn) {
+  Numbers centres, types, exponents;
+  for (const auto& [atom, type, exponent] : wfn.primitives) {
+    centres.push_back(atom), types.push_back(type), exponents.push_back(exponent);
+  }
+  std::string text = "a title\nGAUSSIAN" + formatted("%15zu MOL ORBITALS", wfn.orbitals.size()) +
+                     formatted("%7zu PRIMITIVES", types.size()) +
+                     formatted("%9zu NUCLEI\n", wfn.atoms.size());
+  unsigned number = 0;
+  for (const auto& [atomic_number, coord] : wfn.atoms) {
+    ++number;
+    text += std::string(atomic_number == 3 ? "  Li" : "  H ") + formatted("%4u", number) +
+            formatted("    (CENTRE%3u) ", number) + lines_of({coord, coord + 3}, "%12.8f", 3);
+  }
+  text += lines_of(centres, "%3.0f", 20, "CENTRE ASSIGNMENTS  ") +
+          lines_of(types, "%3.0f", 20, "TYPE ASSIGNMENTS    ") +
+          lines_of(exponents, "%14.7E", 5, "EXPONENTS ");
+  number = 0;
+  for (const auto& [occupation, energy, coefficients] : wfn.orbitals) {
+    text += formatted("MO%5u     MO 0.0        OCC NO = ", ++number) + formatted("%12.7f", occupation) +
+            formatted("  ORB. ENERGY =%12.6f\n", energy) + lines_of(coefficients, "%16.8E", 5);
+  }
+  return text + "END DATA\n THE  HF ENERGY =      -7.9 THE VIRIAL(-V/T)=   2.0\n";
+}
+
+// Everything that a molecule of one set of orbitals holds.
+std::string contents(const Molecule& molecule) {
+  std::string text = molecule.title;
+  for (const Atom& atom : std::span(molecule.atoms, molecule.atom_count)) {
+    text += std::string("\n") + atom.symbol + formatted(" %u ", atom.atomic_number) +
+            lines_of({atom.coord, atom.coord + 3}, "%.8f ", 3);
+  }
+  for (const BasisFunction& function : std::span(molecule.basis, molecule.basis_count)) {
+    text += formatted("%u ", function.atom_index) + formatted("%d ", function.type) +
+            formatted("%d ", function.component) +
+            lines_of({function.exponents, function.exponents + function.primitive_count}, "%.7e ", 9);
+  }
+  for (const Orbital& orbital : std::span(molecule.alpha_orbitals, molecule.alpha_orbital_count)) {
+    Numbers coefficients(orbital.coefficients, orbital.coefficients + molecule.basis_count);
+    std::ranges::replace_if(
+        coefficients, [](double c) { return std::fabs(c) < 1e-99; }, 0.0);
+    text += formatted("%g ", orbital.occupation) + formatted("%.6f ", orbital.energy) +
+            lines_of(coefficients, "%.7f ", 99);
+  }
+  return text;
+}
+
+Numbers norms_of(const Molecule& molecule) {
+  return overlap_norms(&molecule, {molecule.alpha_orbitals, molecule.alpha_orbital_count});
+}
+
+double orbital_at(const Molecule& molecule, unsigned number, const double* point) {
+  Numbers values(molecule.basis_count);
+  eval_bfce_vec(&molecule, point, values.data());
+  return eval_mo(&molecule.alpha_orbitals[number], values.data(), molecule.basis_count);
+}
+
+// A cube that holds all of a small molecule: the trapezoidal rule over it is exact to 1e-6.
+template <class Field>
+double integral(const Molecule& molecule, Field field) {
+  constexpr double step = 0.4;
+  double sum = 0.0;
+  for_each_point({{41, 41, 41}, {{-8, -8, -8}}, {{step, 0, 0}, {0, step, 0}, {0, 0, step}}},
+                 [&](const double* point, unsigned) { sum += field(molecule, point); });
+  return sum * step * step * step;
+}
+
+double double_factorial(int n) { return n <= 1 ? 1.0 : n * double_factorial(n - 2); }
+
+// What makes the square of x^i y^j z^k exp(-αr²) integrate to 1.
+double norm_of(const std::string& monomial, double exponent) {
+  double norm = std::pow(2.0 * exponent / M_PI, 0.75);
+  for (const char axis : {'x', 'y', 'z'}) {
+    const auto power = static_cast<int>(std::ranges::count(monomial, axis));
+    norm *= std::sqrt(std::pow(4.0 * exponent, power) / double_factorial(2 * power - 1));
+  }
+  return norm;
+}
+
+double normalised(const std::string& monomial, double exponent, const double* point) {
+  double value = norm_of(monomial, exponent), r2 = 0.0;
+  for (const char axis : monomial) {
+    value *= point[axis - 'x'];
+  }
+  for (unsigned c = 0; c < 3; ++c) {
+    r2 += point[c] * point[c];
+  }
+  return value * std::exp(-exponent * r2);
+}
+
+}  // namespace
+
+// In the order of the type numbers, as the programs of atoms in molecules have it.
+TEST(Convention, WfnPrimitivesAreBareMonomialsInTheOrderOfTheirTypeNumbers) {
+  const Convention as_written(1);
+  std::istringstream monomials(
+      "x y z xx yy zz xy xz yz xxx yyy zzz xxy xxz yyz xyy xzz yzz xyz xxxx yyyy zzzz xxxy xxxz xyyy yyyz "
+      "xzzz yzzz "
+      "xxyy xxzz yyzz xxyz xyyz xyzz");
+  constexpr double exponent = 0.6, point[] = {0.7, -1.1, 0.4};
+  std::string monomial;
+  for (unsigned type = 1; type <= 35; ++type) {
+    const SmallWfn one = {
+        {{1, {0, 0, 0}}}, {{1, type, exponent}}, {{2.0, -1.0, {norm_of(monomial, exponent)}}}};
+    const auto molecule = read_text(wfn_read, text_of(one));
+    EXPECT_NEAR(norms_of(*molecule)[0], 1.0, 1e-6) << monomial;
+    EXPECT_NEAR(orbital_at(*molecule, 0, point), normalised(monomial, exponent, point), 1e-8) << monomial;
+    monomials >> monomial;
+  }
+}
+
+TEST(Convention, DialectsOfWfnFilesGiveTheSameMolecule) {
+  const Convention as_written(1);
+  SmallWfn wfn;
+  wfn.orbitals[0].coefficients[1] = 0.0;
+  const std::string text = text_of(wfn), expected = contents(*read_text(wfn_read, text));
+  EXPECT_NE(expected.find("Li 3 "), std::string::npos) << expected;
+  const std::pair<const char*, const char*> rows[] = {
+      {"GAUSSIAN", "GTO     "},
+      {"\nGAUSSIAN", "\nby a program\nGAUSSIAN"},
+      {"      2 MOL ORBITALS      5 PRIM", "2 MOL ORBITALS 5 PRIM"},
+      {"  0.00000000 -0.50000000  3.00000000", " 0.00000000-0.50000000  3.0"},
+      {"  0.00000000 -0.50000000  3.00000000", "  0.0 -0.5 3.000000000000E+00 CHARGE = 1.0"},
+      {"  Li", "  LI"},
+      {"  Li   1", "  Li1   "},
+      {"  H    2", "  H10a  "},
+      {"  1  1  1  2  2\nT", "  1  1001002002\nT"},
+      {" 1.5000000E+00 7.5", " 0.1500000d+01 7.5"},
+      {" 2.0000000E+00", " 2.0000000D+00   \r\nEXPONENTS"},
+      {"  5.00000000E-01  0.00000000E+00", "  5.00000000D-01-0.12345678D-150"},
+      {"  5.00000000E-01  0.00000000E+00", "  5.00000000e-01 0.12345678-150"},
+      {"OCC NO =    2.0000000  ORB.", "occupied OCC NO = 2.0 ORB."},
+      {"ENERGY =   -2.500000\n", "ENERGY =-2.500000 (eV -68)\n\n"},
+      {"END DATA\n", "END DATA\n$MOSPIN\n 1 2\n$END"},
+      {" -1.00000000E+00\nEND DATA\n THE  HF ENERGY =      -7.9 THE VIRIAL(-V/T)=   2.0\n",
+       " -1.00000000E+00"},
+  };
+  for (const auto& [from, to] : rows) {
+    EXPECT_EQ(contents(*read_text(wfn_read, broken(text, from, to))), expected) << to;
+  }
+  const auto without_title = read_text(wfn_read, text.substr(text.find('\n') + 1));
+  EXPECT_EQ("a title" + contents(*without_title), expected);
+
+  // Beyond 99 atoms columns are full.
+  SmallWfn many;
+  many.atoms.assign(120, {1, {0, 0, 0}});
+  for (unsigned atom = 95; atom <= 120; ++atom) {
+    many.atoms[atom - 1].coord[0] = -100.0 - atom, many.atoms[atom - 1].coord[1] = -1000.0 - atom;
+    many.primitives.push_back({atom, 1, 0.5}), many.orbitals[0].coefficients.push_back(1.0);
+    many.orbitals[1].coefficients.push_back(1.0);
+  }
+  const auto molecule = read_text(wfn_read, text_of(many));
+  EXPECT_EQ(molecule->basis[30].atom_index, 119U);
+  EXPECT_EQ(molecule->atoms[119].coord[1], -1120.0);
+}
+
+TEST(Convention, OccupationsWeighOrbitalsInTheSumsOnly) {
+  const Convention as_written(1);
+  SmallWfn wfn;
+  wfn.orbitals.push_back({0.0, -9.0, {1, 1, 1, 1, 1}});
+  for (const double n : {2.0, 1.0, 0.625, -0.005}) {
+    wfn.orbitals[1].occupation = n;
+    const auto molecule = read_text(wfn_read, text_of(wfn));
+    constexpr double point[] = {0.3, 0.2, 1.0};
+    Numbers values(molecule->basis_count);
+    eval_bfce_vec(molecule.get(), point, values.data());
+    double density = 0.0, potential = 0.0;
+    eval_orva(molecule.get(), values.data(), &density, &potential);
+    const double a = std::pow(orbital_at(*molecule, 0, point), 2),
+                 b = std::pow(orbital_at(*molecule, 1, point), 2);
+    EXPECT_NEAR(density, 2.0 * a + n * b, 1e-14) << n;
+    EXPECT_NEAR(potential, (2.0 * 2.5 * a + n * 0.5 * b) / (2.0 * a + n * b), 1e-14) << n;
+    EXPECT_EQ(occupation_of(molecule.get()).is_restricted, n == 2.0);
+    const CubeDefinition rows = {{3, 4, 40}, {{-3, -2, -4}}, {{1.1, 0, 0}, {0, 0.9, 0}, {0, 0, 0.25}}};
+    const CubeDefinition far = {{2, 1, 40}, {{0, 0, 5}}, {{9, 0, 0}, {0, 9, 0}, {0, 0, 1.5}}};
+    with_every_kernel([&](const char*) {
+      for (const std::int16_t code :
+           {field_density_and_potential, field_alpha_orbital, field_orbital_density}) {
+        for (const CubeDefinition& cube : {rows, far}) {
+          EXPECT_EQ(text_of_sweep(*molecule, cube, code, 3), text_of_points(*molecule, cube, code, 3)) << n;
+        }
+      }
+    });
+  }
+}
+
+// Without a single doubt: the exact sweep would take most of the time.
+TEST(Convention, APotentialWithoutEnergiesIsZeroAndDoneByRows) {
+  const Convention as_written(1);
+  SmallWfn wfn;
+  wfn.orbitals[0].energy = wfn.orbitals[1].energy = 0.0;
+  const auto molecule = read_text(wfn_read, text_of(wfn));
+  const CubeDefinition cube = {{2, 2, 30}, {{-1, -2, -2}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.1}}};
+  const auto rows = RowSweep::make(molecule.get(), &cube, sweep_choose_kernel(),
+                                   SweepField::density_and_potential, occupation_of(molecule.get()).orbitals);
+  rows->run(0, 0);
+  for (unsigned k = 0; k < 30; ++k) {
+    EXPECT_EQ(std::pair(rows->field(1)[k], rows->tolerances(1)[k]), std::pair(0.0, 0.0));
+  }
+  const CubeDefinition far = {{1, 1, 60}, {{0, 0, 0}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
+  EXPECT_EQ(text_of_sweep(*molecule, far, 50, 0), text_of_points(*molecule, far, 50, 0));
+}
+
+TEST(Convention, CheckpointElectronsAreInOneSetOfOrbitalsOrInTwo) {
+  SmallFchk fields = {.method = "CASSCF", .electrons = 4};
+  const std::string whole = fchk_text(fields), alone = whole.substr(0, whole.find("Beta Orbital"));
+  const auto occupations = [](const std::string& text) {
+    const Convention as_written(1);
+    const auto molecule = read_text(fcheck_read, text);
+    const Occupation occupation = occupation_of(molecule.get());
+    std::string result = occupation.is_restricted ? "pairs" : "";
+    for (const auto& [orbital, weight] : occupation.orbitals) {
+      const bool is_alpha = orbital - molecule->alpha_orbitals < 5 && orbital >= molecule->alpha_orbitals;
+      result += formatted(" %g", weight) + (is_alpha ? "a" : "b");
+    }
+    return result + (inp_rest_scf != 0 ? " one set" : " two sets");
+  };
+  EXPECT_EQ(occupations(alone), "pairs 1a 1a one set");
+  EXPECT_EQ(occupations(broken(alone, "alpha electrons", "alpha electrons 3\n")), " 2a 2a 1a one set");
+  EXPECT_EQ(occupations(whole), " 1a 1a 1b 1b two sets");
+  EXPECT_EQ(occupations(broken(whole, "CASSCF", "RO    ")), " 1a 1a 1b 1b two sets");
+  const std::string no_spins = broken(broken(alone, "Number of alpha", "Alpha"), "Number of beta", "Beta");
+  EXPECT_EQ(occupations(broken(no_spins, "Multip", "multip")), "pairs 1a 1a one set");
+  // A closed shell that lists its orbitals twice is read as before.
+  std::string twice = broken(fchk_text(), "RHF", "RKS");
+  twice += broken(broken(twice.substr(twice.find("Alpha Orb")), "Alpha", "Beta"), "Alpha", "Beta");
+  EXPECT_EQ(occupations(twice), "pairs 1a 1a one set");
+}
+
+TEST(Convention, WhatACheckpointFileLacksFollowsFromItsArrays) {
+  const Convention as_written(1);
+  SmallFchk fields;
+  const std::string text = fchk_text(fields), expected = contents(*read_text(fcheck_read, text));
+  for (const char* label : {"Number of atoms", "Number of contracted shells", "Number of primitive shells"}) {
+    EXPECT_EQ(contents(*read_text(fcheck_read, broken(text, label, "X"))), expected) << label;
+  }
+  const std::size_t place = text.find("Current"), end = text.find("Number of contracted");
+  const std::string geometry = text.substr(place, end - place), other = broken(geometry, "5.0", "7.0");
+  EXPECT_EQ(contents(*read_text(fcheck_read, broken(text, geometry, other + geometry) + other)), expected);
+  const std::string odd =
+      text.substr(0, place) + text.substr(end) + geometry;  // one behind the orbitals only
+  EXPECT_EQ(contents(*read_text(fcheck_read, odd)), expected);
+
+  fields.removed = 2;
+  const auto fewer = read_text(fcheck_read, fchk_text(fields));
+  EXPECT_EQ(std::tie(fewer->basis_count, fewer->alpha_orbital_count), std::tuple(5U, 3U));
+  EXPECT_EQ(fewer->alpha_orbitals[2].coefficients[4], fields.coefficient(2, 4));
+  EXPECT_EQ(cube_file_names(fewer.get(), field_all_orbitals).size(), 3U);
+}
+
+// Every function of a shell as an orbital of its own.
+TEST(Convention, CheckpointFunctionsOfGHaveNormOneInEitherOrder) {
+  const Convention as_written(1);
+  const char *reversed = "zzzz yzzz yyzz yyyz yyyy xzzz xyzz xyyz xyyy xxzz xxyz xxyy xxxz xxxy xxxx",
+             *own = "xxxx yyyy zzzz xxxy xxxz xyyy yyyz xzzz yzzz xxyy xxzz yyzz xxyz xyyz xyzz";
+  constexpr double point[] = {0.7, -1.1, 0.4};
+  SmallFchk fields = {.shells = {{-4, 1, {0.9}, {1.0}, {}}}};
+  fields.coefficient = [](unsigned i, unsigned j) { return i == j ? 1.0 : 0.0; };
+  const auto pure = read_text(fcheck_read, fchk_text(fields));
+  for (unsigned i = 0; i < 9; ++i) {
+    const auto square = [i](const Molecule& of, const double* at) {
+      return std::pow(orbital_at(of, i, at), 2);
+    };
+    EXPECT_NEAR(integral(*pure, square), 1.0, 1e-6) << i;
+  }
+  // xxxx and yyyy overlap by 3/35: the sum of both has norm 1 in the right order only.
+  for (const auto& [order, x, y] : {std::tuple(reversed, 14U, 4U), {own, 0U, 1U}}) {
+    fields.shells[0].type = 4;
+    fields.coefficient = [x = x, y = y](unsigned i, unsigned j) {
+      return i > 0 ? (i == j ? 1.0 : 0.0) : j == x || j == y ? 1.0 / std::sqrt(2.0 + 6.0 / 35.0) : 0.0;
+    };
+    const auto cartesian = read_text(fcheck_read, fchk_text(fields));
+    EXPECT_NEAR(norms_of(*cartesian)[0], 1.0, 1e-9) << order;
+    std::istringstream monomials(order);
+    std::string monomial;
+    for (unsigned i = 0; monomials >> monomial; ++i) {
+      if (i > 0) {
+        const double expected = normalised(monomial, 0.9, point);
+        EXPECT_NEAR(orbital_at(*cartesian, i, point), expected, 1e-12) << monomial;
+      }
+    }
+  }
+}
+
+// The lines that reading tells, without "warning: ".
+std::string told_of(ReadInput read, const std::string& text) {
+  std::string lines = told([&] { read_text(read, text); });
+  for (std::size_t at; (at = lines.find("warning: ")) != std::string::npos;) {
+    lines.erase(at, 9);
+  }
+  return lines;
+}
+
+TEST(Convention, WhatLooksWrongInAWfnFileIsTold) {
+  const double norm = norm_of("", 1.0);
+  const std::string text = text_of({{{1, {0, 0, 0}}},
+                                    {{1, 1, 1.0}, {1, 1, 1.0}},
+                                    {{2, -1.5, {norm / 4, 3 * norm / 4}}, {2, -0.5, {norm, 0}}}});
+  const std::string other = "orbital 1 has the norm 0.5079, with INPUT_CONVENTION 1 it has 1.0000\n",
+                    no_number = ", which is no number of electrons\n";
+  const std::tuple<std::int16_t, std::string, std::string, std::string> rows[] = {
+      {0, "a", "a", other},
+      {0, "1) ", "1)-",
+       "a coordinate of the WFN file loses its sign in column 24; INPUT_CONVENTION 1 reads it\n" + other},
+      {0, "  1  1\nEX", " 36  1\nEX",
+       "type number 36 of the WFN file is none of a shell up to g, and taken for an s function\n" + other},
+      {0, "  2.0000000", "  1.0000000",
+       "occupation numbers of the WFN file other than 2 count as 2; INPUT_CONVENTION 1 reads them\n" + other},
+      {0, "=   -1.500000", "=-1409.920000",
+       "an orbital energy of the WFN file is cut at column 64; INPUT_CONVENTION 1 reads it whole\n" + other},
+      {1, "a", "a", ""},
+      {1, "  0.00000000E+00\nEND", "  1.00000000E-02\nEND", "orbital 2 has the norm 1.0283 in place of 1\n"},
+      {1, "  2.0000000", "  1.9000000", "occupation numbers add up to 3.9000" + no_number},
+      {1, "  2.0000000", " -0.0001500", "negative occupation numbers add up to -0.000150\n"},
+      {1, "  2.0000000", " -0.0000500", ""},
+  };
+  for (const auto& [convention, from, to, expected] : rows) {
+    const Convention meant(convention);
+    EXPECT_EQ(told_of(wfn_read, broken(text, from, to)), expected) << to;
+  }
+  const Convention as_written(1);
+  const std::string positive = broken(text, "  -0.500000", "   0.000000"),
+                    zero = broken(positive, "-1.5", " 0.0");
+  EXPECT_EQ(told_of(wfn_read, positive), "");
+  EXPECT_EQ(told_of(wfn_read, zero),
+            "all occupied orbitals have the energy 0: the ionization potential means nothing\n");
+  EXPECT_EQ(told_of(wfn_read, broken(positive, "-1.5", " 1.5")),
+            "no occupied orbital has a negative energy: natural orbitals, in another order, would not be "
+            "seen as such\n");
+  conf_cube_orva = 0;
+  EXPECT_EQ(told_of(wfn_read, zero), "");
+  conf_cube_orva = 1;
+}
+
+TEST(Convention, WhatLooksWrongInACheckpointFileIsTold) {
+  SmallFchk fields = {.method = "UHF", .electrons = 2, .alpha_electrons = 1, .beta_electrons = 1};
+  fields.shells = {{0, 1, {1.0}, {1.0}, {}}};
+  fields.coefficient = [](unsigned, unsigned) { return 1.0; };
+  const std::string text = fchk_text(fields), beta = text.substr(text.find("Beta MO"));
+  const std::string geometry =
+      text.substr(text.find("Current"), text.find("Number of contr") - text.find("Current"));
+  const std::string restricted = broken(broken(text, "UHF", "RHF"), "beta electrons", "beta electrons 0\n");
+  const std::tuple<std::string, std::string, std::string> rows[] = {
+      {text, "", ""},
+      {text + geometry, "", ""},
+      {text + broken(geometry, "5.0", "7.0"),
+       "the geometry is one behind the orbitals in the fchk file; INPUT_CONVENTION 1 takes that before "
+       "them\n",
+       ""},
+      {restricted, "1 alpha and 0 beta electrons are taken for pairs; INPUT_CONVENTION 1 tells them apart\n",
+       ""},
+      {broken(text, beta, broken(beta, "-1.0", " 0.0")),
+       "beta orbitals in fchk file are zeros, beta electrons are left out\n",
+       "beta orbital 1 has the norm 0.0000 in place of 1\n"},
+      {broken(text, " 1.0000000000000000E+00\nBeta Orb", " 1.0005001000000000E+00\nBeta Orb"), "",
+       "orbital 1 has the norm 1.0010 in place of 1\n"},
+  };
+  for (const auto& [file, with_0, with_1] : rows) {
+    EXPECT_EQ(told_of(fcheck_read, file), with_0);
+    const Convention as_written(1);
+    EXPECT_EQ(told_of(fcheck_read, file), with_1);
+  }
+  // Of g functions, in orbitals that nobody occupies.
+  fields.shells.push_back({-4, 1, {0.9}, {1.0}, {}});
+  fields.coefficient = [](unsigned i, unsigned j) { return i == j ? 1.0 : 0.0; };
+  EXPECT_EQ(told_of(fcheck_read, fchk_text(fields)),
+            "orbital 2 has the norm 0.9428, with INPUT_CONVENTION 1 it has 1.0000\n");
+  fields.shells[1].type = 4;
+  EXPECT_EQ(told_of(fcheck_read, fchk_text(fields)), "");
+}
+
+TEST(Convention, AFileOfTheOtherFormatIsToldBeforeTheError) {
+  const std::pair<std::string, std::string> rows[] = {
+      {fchk_text(),
+       "warning: the input file looks like a formatted checkpoint file: -t fchk\nerror: cannot read number "
+       "of orbitals\n"},
+      {text_of({}),
+       "warning: the input file looks like a WFN file: -t wfn\nerror: missing section in fchk file - Number "
+       "of atoms\n"}};
+  const Scratch scratch;
+  for (const auto& [text, lines] : rows) {
+    set_input(scratch, text);
+    const bool is_fchk = text == rows[0].first;
+    const auto read = [&] {
+      inp_format = is_fchk ? input_wfn : input_fchk;
+      Molecule molecule{};
+      (is_fchk ? wfn_read : fcheck_read)(&molecule);
+    };
+    expect_exit(read, 1, lines);
+  }
+}
+
+TEST(Convention, BadWfnFilesEndTheRun) {
+  const Convention as_written(1);
+  const std::string no_coefficient = "cannot read molecular orbital coefficients",
+                    no_exponent = "cannot read number in real data block",
+                    no_integer = "cannot read unsigned int data block",
+                    no_coordinates = "cannot read atomic coordinates";
+  const std::vector<Breakage> breakages = {
+      {"MOL ORB", "mol orb", "unexpected end of WFN file while reading number of electrons"},
+      {"      2 MOL", "      x MOL", "cannot read number of orbitals"},
+      {"5 PRIM", "PRIM", "cannot read number of primitives"},
+      {"2 NUCLEI", "2 NUCLEUS", "cannot read number of nuclei"},
+      {"  2 NUCLEI", " 2000000 NUCLEI", "invalid count in WFN file - number of nuclei"},
+      {"      2 MOL", "4000000 MOL", "invalid count in WFN file - number of orbitals or primitives"},
+      {"  H ", {}, "unexpected end of WFN file while reading coordinates"},
+      {"  H    2    (CENTRE  2)   0.00000000 -0.50000000  3.00000000", "", "cannot read atom symbol"},
+      {"-0.50000000", "-0.50000000 x", no_coordinates},
+      {"  3.00000000", "  inf", no_coordinates},
+      {"  1  1  1  2  2", "  1  1  1  2  3", "shell atom index exceedes number of atoms"},
+      {"  1  1  1  2  2", "  1  1  1  2 -2", no_integer},
+      {"\nTYPE", {}, no_integer},
+      {"  1  2 14", "  1 36 14", "unknown type number 36 in WFN file"},
+      {"  1  2 14", "  1  0 14", "unknown type number 0 in WFN file"},
+      {" 7.5000000E-01", " 0.0000000E+00", "exponent 0 in WFN file is not positive"},
+      {" 7.5000000E-01", "-7.5000000E-01", "exponent -0.75 in WFN file is not positive"},
+      {" 7.5000000E-01", " 7.5000000E-0x", no_exponent},
+      {"OCC NO =    2.0", "OCC NO      2.0", "cannot read occupation number of molecular orbital"},
+      {"OCC NO =    2.0", "OCC NO =   -0.0101", "occupation number -0.0101 of orbital 1 is negative"},
+      {"ENERGY =   -2.5", "ENERGY =*******", "cannot read molecular orbital energy"},
+      {"MO    2", {}, "unexpected end of file while reading molecular orbitals"},
+      {"  1.25000000E-01", "  1.25000000E-01*", no_coefficient},
+      {" -1.00000000E+00\nEND", {}, no_coefficient},
+  };
+  expect_rejected(wfn_read, text_of({}), breakages);
+}
+
+TEST(Convention, NoCutOfAFileGivesAnotherMolecule) {
+  const Convention as_written(1);
+  const std::string wfn = text_of({});
+  expect_cuts_rejected(wfn_read, wfn, wfn.find("\nEND DATA"));
+  const std::string fchk = fchk_text({.method = "UHF"});
+  expect_cuts_rejected(fcheck_read, fchk, fchk.size(), fchk.find("Beta Orbital"));
+}
+
+TEST(Convention, BadCheckpointFilesEndTheRun) {
+  const Convention as_written(1);
+  SmallFchk fields = {.method = "UHF", .removed = 1};
+  const std::string text = fchk_text(fields), length = "contradictory length in fchk file - ";
+  const auto with_length = [&](const std::string& label, unsigned n) {
+    const std::size_t at = text.find("\n" + label) + 1;
+    return Breakage{text.substr(at, 61), formatted("%-43s    N=", label.c_str()) + formatted("%12u", n), ""};
+  };
+  std::vector<Breakage> breakages;
+  for (const auto& [label, n, message] :
+       {std::tuple<const char*, unsigned, std::string>{"Atomic numbers", 3, length},
+        {"Shell types", 3, length},
+        {"Primitive exponents", 4, length},
+        {"Alpha MO coefficients", 25, length},
+        {"Beta Orbital Energies", 3, ""},
+        {"Alpha Orbital Energies", 6, "invalid length in fchk file - "}}) {
+    breakages.push_back(with_length(label, n));
+    breakages.back().message = message.empty() ? length + "Beta MO coefficients" : message + label;
+  }
+  breakages.push_back(
+      {"Number of alpha", "Alpha", "missing section in fchk file - Number of alpha electrons"});
+  breakages.push_back({"Alpha MO", "alpha MO", "missing section in fchk file - Alpha MO coefficients"});
+  breakages.push_back({"alpha electrons ", "alpha electrons 5\n",
+                       "number of electrons exceeds number of orbitals in fchk file"});
+  expect_rejected(fcheck_read, text, breakages);
+}
