@@ -22,7 +22,7 @@
 namespace {
 
 constexpr unsigned checked_orbitals = 8;
-constexpr unsigned orbitals_of_g_max = 16;
+constexpr unsigned orbitals_of_g_max = 4;
 constexpr double norm_is_other = 0.01;   // with 0: so far from 1, and ten times nearer with 1
 constexpr double norm_is_wrong = 0.001;  // with 1
 constexpr double occupation_min = -0.01;
@@ -187,7 +187,7 @@ std::vector<const Orbital*> orbitals_of_g(const Molecule* molecule) {
         squares +=
             std::abs(molecule->basis[f].type) == 4 ? orbital.coefficients[f] * orbital.coefficients[f] : 0.0;
       }
-      shares.emplace_back(squares, &orbital);
+      shares.emplace_back(std::isnan(squares) ? 0.0 : squares, &orbital);
     }
   }
   std::ranges::stable_sort(shares, std::greater<>{}, [](const auto& share) { return share.first; });
@@ -251,9 +251,7 @@ void tell_if_energies_are_odd(const Molecule* molecule) {
     return;
   }
   if (!all([](double energy) { return energy == 0.0; })) {
-    msg_tell(
-        "no occupied orbital has a negative energy: natural orbitals, in another order, would not be seen as "
-        "such");
+    msg_tell("no occupied orbital has a negative energy: are these natural orbitals, in an order of their own?");
   } else if (conf_print_cube != 0 && conf_cube_orva != 0) {
     msg_tell("all occupied orbitals have the energy 0: the ionization potential means nothing");
   }

@@ -80,12 +80,22 @@ std::string_view take_number(std::string_view* text, Cut cut) {
 
 // The exponent may have the letter d, or three digits and no letter.
 double real(std::string_view number, const char* failure) {
-  std::string text(number);
-  std::ranges::replace(text, 'D', 'E');
-  std::ranges::replace(text, 'd', 'e');
+  std::array<char, 64> text = {};
   double value = 0.0;
-  const char* const rest = str_fortran_real(text.c_str(), &value);
-  if (rest == nullptr || *rest != '\0' || !std::isfinite(value)) {
+  if (number.empty() || number.size() >= text.size()) {
+    msg_fatal(failure);
+  }
+  const auto as_in_c = [](char c) { return c == 'D' || c == 'd' ? 'E' : c; };
+  const char* const end = std::ranges::transform(number, text.begin(), as_in_c).out;
+  // Nearly every number is plain.
+  if (const auto [stop, error] = std::from_chars(text.data(), end, value);
+      error != std::errc() || stop != end) {
+    const char* const rest = str_fortran_real(text.data(), &value);
+    if (rest != end) {
+      msg_fatal(failure);
+    }
+  }
+  if (!std::isfinite(value)) {
     msg_fatal(failure);
   }
   return value;

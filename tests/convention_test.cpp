@@ -359,8 +359,7 @@ TEST(Convention, WhatLooksWrongInAWfnFileIsTold) {
   EXPECT_EQ(told_of(wfn_read, zero),
             "all occupied orbitals have the energy 0: the ionization potential means nothing\n");
   EXPECT_EQ(told_of(wfn_read, broken(positive, "-1.5", " 1.5")),
-            "no occupied orbital has a negative energy: natural orbitals, in another order, would not be "
-            "seen as such\n");
+            "no occupied orbital has a negative energy: are these natural orbitals, in an order of their own?\n");
   conf_cube_orva = 0;
   EXPECT_EQ(told_of(wfn_read, zero), "");
   conf_cube_orva = 1;
