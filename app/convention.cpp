@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <functional>
+#include <initializer_list>
 #include <span>
 #include <string>
 #include <utility>
@@ -22,7 +23,7 @@
 namespace {
 
 constexpr unsigned checked_orbitals = 8;
-constexpr unsigned orbitals_of_g_max = 4;
+constexpr unsigned orbitals_of_g_max = 16;
 constexpr double norm_is_other = 0.01;   // with 0: so far from 1, and ten times nearer with 1
 constexpr double norm_is_wrong = 0.001;  // with 1
 constexpr double occupation_min = -0.01;
@@ -110,18 +111,21 @@ void turn_all_g(Functions functions, Orbitals orbitals) {
 
 void turn_nothing(Functions, Orbitals) {}
 
-// What the norms would be after a turn.
-std::vector<double> norms_after(Turn turn, const Molecule* molecule,
+// What the norms would be after each of the turns, one set behind the other. At most one turn may change
+// functions.
+std::vector<double> norms_after(std::initializer_list<Turn> turns, const Molecule* molecule,
                                 std::span<const Orbital* const> orbitals) {
   std::vector<BasisFunction> functions(molecule->basis, molecule->basis + molecule->basis_count);
-  std::vector<double> coefficients(functions.size() * orbitals.size());
+  std::vector<double> coefficients(functions.size() * orbitals.size() * turns.size());
   std::vector<Orbital> copies;
-  for (const Orbital* orbital : orbitals) {
-    double* const own = coefficients.data() + copies.size() * functions.size();
-    std::copy_n(orbital->coefficients, functions.size(), own);
-    copies.push_back({orbital->energy, own, orbital->occupation});
+  for (const Turn turn : turns) {
+    for (const Orbital* orbital : orbitals) {
+      double* const own = coefficients.data() + copies.size() * functions.size();
+      std::copy_n(orbital->coefficients, functions.size(), own);
+      copies.push_back({orbital->energy, own, orbital->occupation});
+    }
+    turn(functions, std::span(copies).last(orbitals.size()));
   }
-  turn(functions, copies);
   Molecule turned = *molecule;
   turned.basis = functions.data();
   return overlap_norms(&turned, copies);
@@ -146,11 +150,10 @@ std::string name_of(const Orbital* orbital, const Molecule* molecule) {
                                  : "beta orbital " + std::to_string(orbital - molecule->beta_orbitals + 1);
 }
 
-// The first of the orbitals whose norm shows that the file is meant as a turn makes it.
-void tell_if_other(const Molecule* molecule, const std::vector<const Orbital*>& sample, Turn turn) {
-  const std::vector<double> norms = norms_after(turn_nothing, molecule, sample);
-  const std::vector<double> others = norms_after(turn, molecule, sample);
-  for (std::size_t i = 0; i < std::min(norms.size(), others.size()); ++i) {
+// The first orbital whose norm shows that the file is meant otherwise.
+void tell_if_other(const Molecule* molecule, std::span<const Orbital* const> sample,
+                   std::span<const double> norms, std::span<const double> others) {
+  for (std::size_t i = 0; i < norms.size(); ++i) {
     const double error = std::fabs(norms[i] - 1.0);
     if (error > norm_is_other && 10.0 * std::fabs(others[i] - 1.0) < error) {
       msg_tell("%s has the norm %.4f, with INPUT_CONVENTION 1 it has %.4f",
@@ -162,7 +165,7 @@ void tell_if_other(const Molecule* molecule, const std::vector<const Orbital*>& 
 
 void tell_if_wrong(const Molecule* molecule) {
   const std::vector<const Orbital*> sample = sample_of(molecule);
-  const std::vector<double> norms = norms_after(turn_nothing, molecule, sample);
+  const std::vector<double> norms = norms_after({turn_nothing}, molecule, sample);
   const auto wrong =
       std::ranges::find_if(norms, [](double norm) { return !(std::fabs(norm - 1.0) <= norm_is_wrong); });
   if (wrong != norms.end()) {
@@ -198,16 +201,32 @@ std::vector<const Orbital*> orbitals_of_g(const Molecule* molecule) {
   return orbitals;
 }
 
-// Which of the two orders the Cartesian g functions stand in.
-Turn find_turn_of_g(const Molecule* molecule, const std::vector<const Orbital*>& sample) {
-  const auto error_of = [&](Turn turn) {
+// Turns g functions, whose Cartesian ones stand in one of two orders: in that with norms nearer to 1. Or
+// tells if that is not as they are read.
+void settle_g(Molecule* molecule) {
+  std::vector<const Orbital*> sample = sample_of(molecule);
+  const std::size_t occupied = sample.size();
+  const std::vector<const Orbital*> rich = orbitals_of_g(molecule);
+  sample.insert(sample.end(), rich.begin(), rich.end());
+  const std::vector<double> norms = norms_after({turn_nothing, turn_pure_g, turn_all_g}, molecule, sample);
+  const std::size_t count = norms.size() / 3;
+  const auto set = [&](std::size_t turn) { return std::span(norms).subspan(turn * count, count); };
+  const auto error_of = [&](std::size_t turn) {
     double error = 0.0;
-    for (const double norm : norms_after(turn, molecule, sample)) {
+    for (const double norm : set(turn).subspan(std::min(occupied, count))) {
       error += std::fabs(norm - 1.0);
     }
     return error;
   };
-  return has_type(molecule, 4) && error_of(turn_all_g) < error_of(turn_pure_g) ? turn_all_g : turn_pure_g;
+  const bool is_other_order = has_type(molecule, 4) && error_of(2) < error_of(1);
+  if (conf_input_convention == 0) {
+    tell_if_other(molecule, sample, set(0), set(is_other_order ? 2 : 1));
+    return;
+  }
+  const Turn turn = is_other_order ? turn_all_g : turn_pure_g;
+  const Functions functions(molecule->basis, molecule->basis_count);
+  turn(functions, {molecule->alpha_orbitals, molecule->alpha_orbital_count});
+  turn(functions, {molecule->beta_orbitals, molecule->beta_orbital_count});
 }
 
 // Occupations.
@@ -251,7 +270,8 @@ void tell_if_energies_are_odd(const Molecule* molecule) {
     return;
   }
   if (!all([](double energy) { return energy == 0.0; })) {
-    msg_tell("no occupied orbital has a negative energy: are these natural orbitals, in an order of their own?");
+    msg_tell(
+        "no occupied orbital has a negative energy: are these natural orbitals, in an order of their own?");
   } else if (conf_print_cube != 0 && conf_cube_orva != 0) {
     msg_tell("all occupied orbitals have the energy 0: the ionization potential means nothing");
   }
@@ -272,7 +292,9 @@ void convention_tell_format(std::string_view beginning) {
 
 void convention_settle_wfn(Molecule* molecule) {
   if (conf_input_convention == 0) {
-    tell_if_other(molecule, sample_of(molecule), turn_wfn);
+    const std::vector<const Orbital*> sample = sample_of(molecule);
+    tell_if_other(molecule, sample, norms_after({turn_nothing}, molecule, sample),
+                  norms_after({turn_wfn}, molecule, sample));
     return;
   }
   settle_occupations(molecule);
@@ -302,17 +324,7 @@ void convention_place_electrons(Molecule* molecule) {
 void convention_settle_fchk(Molecule* molecule) {
   tell_if_energies_are_odd(molecule);
   if (has_type(molecule, 4) || has_type(molecule, -4)) {
-    const std::vector<const Orbital*> rich = orbitals_of_g(molecule);
-    const Turn turn = find_turn_of_g(molecule, rich);
-    if (conf_input_convention == 0) {
-      std::vector<const Orbital*> sample = sample_of(molecule);
-      sample.insert(sample.end(), rich.begin(), rich.end());
-      tell_if_other(molecule, sample, turn);
-    } else {
-      const Functions functions(molecule->basis, molecule->basis_count);
-      turn(functions, {molecule->alpha_orbitals, molecule->alpha_orbital_count});
-      turn(functions, {molecule->beta_orbitals, molecule->beta_orbital_count});
-    }
+    settle_g(molecule);
   }
   if (conf_input_convention != 0) {
     tell_if_wrong(molecule);

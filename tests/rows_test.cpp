@@ -111,13 +111,17 @@ TEST(Rows, KeepWithinTheirTolerance) {
     const CubeDefinition cube = random_grid(random);
     Orbitals all;
     for (unsigned i = 0; i < molecule->alpha_orbital_count; ++i) {
+      molecule->alpha_orbitals[i].occupation = i < 8 ? std::pow(10.0, 5.0 - 2.0 * i) : 0.0;
       all.emplace_back(&molecule->alpha_orbitals[i]);
     }
     with_every_kernel([&](const char*) {
       const auto expect = [&](SweepField field, const Orbitals& orbitals) {
         expect_within_tolerance(*molecule, cube, field, orbitals, &found);
       };
-      expect(SweepField::density_and_potential, occupation_of(molecule.get()).orbitals);
+      for (const bool has_weights : {false, true}) {
+        molecule->has_occupations = has_weights;
+        expect(SweepField::density_and_potential, occupation_of(molecule.get()).orbitals);
+      }
       expect(SweepField::orbital, all);
       expect(SweepField::orbital, {all[2]});
       expect(SweepField::orbital_density, {all[0], all[1]});
