@@ -304,6 +304,15 @@ void settle_length(FchkInput& input, const Section& section) {
   }
 }
 
+// Where functions were removed, the values that are missing end the run.
+void tell_length(FchkInput& input, const Section& section) {
+  const auto length = announced_length(input.line.data(), section);
+  if (section.allocate == allocate_alpha && length &&
+      *length < section.values(*input.molecule, input.molecule->*section.count)) {
+    msg_tell("the fchk file has fewer orbitals than basis functions; INPUT_CONVENTION 1 reads it");
+  }
+}
+
 bool is_needed(Need need, FchkInput& input) {
   const bool is_by_name = conf_input_convention == 0;  // the method's, whether it is restricted
   switch (need) {
@@ -341,6 +350,8 @@ void fcheck_read_sections(FchkInput& input) {
     }
     if (section->is_array() && conf_input_convention != 0) {
       settle_length(input, *section);
+    } else if (section->is_array()) {
+      tell_length(input, *section);
     }
     const bool has_values = section->has_values(*input.molecule);
     if (has_values) {

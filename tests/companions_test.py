@@ -3,6 +3,7 @@
 import itertools
 import math
 import os
+import re
 import runpy
 import shlex
 import struct
@@ -17,7 +18,7 @@ from types import SimpleNamespace
 TOP = Path(__file__).resolve().parent.parent
 ANILINE = TOP / "examples/aniline.fchk"
 orva_view = SimpleNamespace(**runpy.run_path(str(TOP / "tools/orva-view")))
-WFN = TOP / "tests/data/odd.wfn"  # coordinates without blanks between them
+WATER, WFN = TOP / "examples/water.fchk", TOP / "examples/water_cation.wfn"
 
 
 def run(*command, status=0):
@@ -57,28 +58,47 @@ class Companion(unittest.TestCase):
 
 class Grid(Companion):
     def test_orva_reads_the_grid_and_its_faces_keep_the_margin(self):
-        for path, kind in ((ANILINE, "fchk"), (WFN, "wfn")):
-            Path("config").write_text(grid(path, 2.5, 0.4))
-            run(*shlex.split(os.environ["ORVA_PROGRAM"]), "-q", "-i", path, "-t", kind)
-            lines = [line.split() for line in Path("out.tot").read_text().split("\n")]
-            for k in range(3):
-                origin, (count, *step) = float(lines[2][1 + k]), lines[3 + k]
-                end = origin + (int(count) - 1) * 0.4
-                atoms = [float(line[2 + k]) for line in lines[6 : 6 + int(lines[2][0])]]
-                self.assertEqual([float(x) for x in step], [0.4 * (k == axis) for axis in range(3)])
-                for margin in (min(atoms) - origin, end - max(atoms)):
-                    self.assertTrue(2.5 - 1e-5 < margin < 2.5 + 0.2 + 1e-5, (path, margin))
+        fchk, wfn = WATER.read_text(), WFN.read_text()
+        geometry = re.search(r"Current cartesian coordinates.*\n(?: .*\n)*", fchk)[0]
+        other = geometry.replace("e-01", "e+00")
+        for name, text in (
+            ("plain.fchk", fchk),
+            ("no_count.fchk", re.sub("Number of atoms.*\n", "", fchk)),
+            ("steps_of_an_optimisation.fchk", fchk.replace(geometry, other + geometry) + other),
+            ("geometry_behind_the_orbitals.fchk", fchk.replace(geometry, "") + geometry + other),
+            ("plain.wfn", wfn),
+            ("counts_in_line_3.wfn", "a second title\n" + wfn),
+            ("no_bracket.wfn", re.sub(r"\((CENTRE +\d+)\)", r" \1 ", wfn)),
+            ("ten_decimals.wfn", re.sub(r"(\.\d{8})(?= )", r"\g<1>01", wfn)),
+            ("from_column_24_without_blanks.wfn", re.sub(
+                r"(?<=\)).*(?=  CHARGE)", lambda xyz: "".join(f"{float(x) - 110:.8f}" for x in xyz[0].split()), wfn)),
+        ):
+            with self.subTest(name):
+                Path(name).write_text(text)
+                Path("config").write_text(grid(name, 2.5, 0.4))
+                run(*shlex.split(os.environ["ORVA_PROGRAM"]), "-q", "-i", name, "-t", name.split(".")[1])
+                lines = [line.split() for line in Path("out.tot").read_text().split("\n")]
+                for k in range(3):
+                    origin, (count, *step) = float(lines[2][1 + k]), lines[3 + k]
+                    end = origin + (int(count) - 1) * 0.4
+                    atoms = [float(line[2 + k]) for line in lines[6 : 6 + int(lines[2][0])]]
+                    self.assertEqual([float(x) for x in step], [0.4 * (k == axis) for axis in range(3)])
+                    for margin in (min(atoms) - origin, end - max(atoms)):
+                        self.assertTrue(2.5 - 1e-5 < margin < 2.5 + 0.2 + 1e-5, margin)
 
     def test_errors(self):
         fchk, wfn = ANILINE.read_text(), WFN.read_text()
         self.check_errors(grid, {
             "text": "some\ntext\n", "short.fchk": fchk[:1000], "count": fchk.replace("I               14", "I 15"),
-            "word": fchk.replace("4.41024381e+00", "nan"), "short.wfn": "\n".join(wfn.split("\n")[:3]),
-            "bad.wfn": wfn.replace("0.50000000", "CHARGE"),
+            "length": fchk.replace("N=          14", "N= 13"), "word": fchk.replace("4.41024381e+00", "nan"),
+            "short.wfn": "\n".join(wfn.split("\n")[:3]), "label.wfn": wfn.replace("MOL ORBITALS", "ORBITALS"),
+            "bad.wfn": wfn.replace("0.10304187", "CHARGE"), "two.wfn": wfn.replace("0.00000000  CHARGE =  8.0", ""),
         }, [
             ("cannot read none: No such file", ["none"]), ("neither", ["text"]), ("no coordinates", ["short.fchk"]),
-            ("42 coordinates for 15 atoms", ["count"]), ("not finite", ["word"]), ("1 of 2 nuclei", ["short.wfn"]),
-            ("no coordinates in line", ["bad.wfn"]), ("give a larger step", [ANILINE, 6, 0.01])])
+            ("42 coordinates for 15 atoms", ["count"]), ("42 coordinates for 13 atoms", ["length"]),
+            ("not finite", ["word"]), ("1 of 3 nuclei", ["short.wfn"]), ("no number of nuclei", ["label.wfn"]),
+            ("bad coordinate", ["bad.wfn"]), ("no coordinates in line", ["two.wfn"]),
+            ("give a larger step", [ANILINE, 6, 0.01])])
         for numbers in ([-1], ["inf"], [6, 0], [6, "nan"], [6, 0.2, 3]):
             self.assertIn("orva-grid: error:", grid(ANILINE, *numbers, status=2))
 

@@ -352,14 +352,18 @@ TEST(Convention, WhatLooksWrongInAWfnFileIsTold) {
     const Convention meant(convention);
     EXPECT_EQ(told_of(wfn_read, broken(text, from, to)), expected) << to;
   }
+  // Nearer to 1, but not ten times.
+  const double large = std::sqrt(1.2) * norm;
+  EXPECT_EQ(told_of(wfn_read, text_of({{{1, {0, 0, 0}}}, {{1, 1, 1.0}}, {{2, -1.5, {large}}}})), "");
   const Convention as_written(1);
   const std::string positive = broken(text, "  -0.500000", "   0.000000"),
                     zero = broken(positive, "-1.5", " 0.0");
   EXPECT_EQ(told_of(wfn_read, positive), "");
   EXPECT_EQ(told_of(wfn_read, zero),
             "all occupied orbitals have the energy 0: the ionization potential means nothing\n");
-  EXPECT_EQ(told_of(wfn_read, broken(positive, "-1.5", " 1.5")),
-            "no occupied orbital has a negative energy: are these natural orbitals, in an order of their own?\n");
+  EXPECT_EQ(
+      told_of(wfn_read, broken(positive, "-1.5", " 1.5")),
+      "no occupied orbital has a negative energy: are these natural orbitals, in an order of their own?\n");
   conf_cube_orva = 0;
   EXPECT_EQ(told_of(wfn_read, zero), "");
   conf_cube_orva = 1;
@@ -421,6 +425,15 @@ TEST(Convention, AFileOfTheOtherFormatIsToldBeforeTheError) {
     };
     expect_exit(read, 1, lines);
   }
+}
+
+TEST(Convention, FewerOrbitalsThanFunctionsAreToldBeforeTheError) {
+  const Scratch scratch;
+  set_input(scratch, fchk_text({.removed = 1}));
+  Molecule molecule{};
+  expect_exit([&] { fcheck_read(&molecule); }, 1,
+              "warning: the fchk file has fewer orbitals than basis functions; INPUT_CONVENTION 1 reads it\n"
+              "error: cannot read alpha MO energies\n");
 }
 
 TEST(Convention, BadWfnFilesEndTheRun) {

@@ -1,12 +1,17 @@
 #!/usr/bin/env bash
-# molecule.sh molecules/NAME.fchk: density, ionization potential and its lowest values on the surface, in out/NAME/.
-# A molecule is done when out/NAME/sites is there; then nothing is done again. If a step fails, its message is told in
-# one line and kept in out/NAME/messages, half-made cube files are removed, and the status is 1.
+# molecule.sh molecules/NAME.fchk (or NAME.wfn): density, ionization potential and its lowest values on the surface, in
+# out/NAME/. A molecule is done when out/NAME/sites is there; then nothing is done again. What is told about it is kept
+# in out/NAME/messages and told once more at the end, behind its name. If a step fails, the last of these lines says
+# why, half-made cube files are removed, and the status is 1.
 set -euo pipefail
 
 input=$(realpath "$1")
 name=$(basename "$1")
 out=out/${name%.*}
+if [ -e "${1%.*}.fchk" ] && [ -e "${1%.*}.wfn" ]; then
+  echo "$1: error: there is another molecule of this name" >&2
+  exit 1
+fi
 if [ -e "$out/sites" ]; then
   exit
 fi
@@ -14,7 +19,8 @@ mkdir -p "$out"
 cd "$out"
 
 # Change here what is computed. The grid has a third of the points of orva-grid's own: the lowest values of aniline
-# move by 0.0005 hartree at most, and two thousand molecules of its size take 8 GB.
+# move by 0.0005 hartree at most, and two thousand molecules of its size take 8 GB. orva-grid also prints
+# INPUT_CONVENTION 1, without which WFN files are read otherwise than they are meant.
 steps() {
   orva-grid "$input" 5 0.25 > config &&
     orva -i "$input" -t "${name##*.}" -o report &&
@@ -23,8 +29,12 @@ steps() {
     mv sites.part sites # last, and at once: what is there is whole
 }
 
-if ! steps > messages 2>&1; then
-  echo "$1: $(tail -n 1 messages)" >&2
+status=0
+steps > messages 2>&1 || status=1
+while IFS= read -r message; do
+  echo "$1: $message" >&2
+done < messages
+if [ "$status" != 0 ]; then
   rm -f out.tot* out.orva* sites.part
-  exit 1
 fi
+exit "$status"
