@@ -6,6 +6,7 @@
 #include "fcheck.hpp"
 #include "occupation.hpp"
 #include "options.hpp"
+#include "orbit.hpp"
 #include "overlap.hpp"
 #include "rows.hpp"
 #include "small_files.hpp"
@@ -155,6 +156,7 @@ TEST(Convention, DialectsOfWfnFilesGiveTheSameMolecule) {
       {"      2 MOL ORBITALS      5 PRIM", "2 MOL ORBITALS 5 PRIM"},
       {"  0.00000000 -0.50000000  3.00000000", " 0.00000000-0.50000000  3.0"},
       {"  0.00000000 -0.50000000  3.00000000", "  0.0 -0.5 3.000000000000E+00 CHARGE = 1.0"},
+      {"(CENTRE  2) ", " CENTRE   7"},
       {"  Li", "  LI"},
       {"  Li   1", "  Li1   "},
       {"  H    2", "  H10a  "},
@@ -206,6 +208,10 @@ TEST(Convention, OccupationsWeighOrbitalsInTheSumsOnly) {
     EXPECT_NEAR(potential, (2.0 * 2.5 * a + n * 0.5 * b) / (2.0 * a + n * b), 1e-14) << n;
     EXPECT_EQ(occupation_of(molecule.get()).is_restricted, n == 2.0);
     const CubeDefinition rows = {{3, 4, 40}, {{-3, -2, -4}}, {{1.1, 0, 0}, {0, 0.9, 0}, {0, 0, 0.25}}};
+    const auto sweep =
+        RowSweep::make(molecule.get(), &rows, sweep_choose_kernel(), SweepField::density_and_potential,
+                       occupation_of(molecule.get()).orbitals);
+    EXPECT_EQ(sweep == nullptr, n < 0.0) << "nothing is known of differences";
     const CubeDefinition far = {{2, 1, 40}, {{0, 0, 5}}, {{9, 0, 0}, {0, 9, 0}, {0, 0, 1.5}}};
     with_every_kernel([&](const char*) {
       for (const std::int16_t code :
@@ -259,6 +265,7 @@ TEST(Convention, CheckpointElectronsAreInOneSetOfOrbitalsOrInTwo) {
   std::string twice = broken(fchk_text(), "RHF", "RKS");
   twice += broken(broken(twice.substr(twice.find("Alpha Orb")), "Alpha", "Beta"), "Alpha", "Beta");
   EXPECT_EQ(occupations(twice), "pairs 1a 1a one set");
+  EXPECT_EQ(occupations(broken(twice, "alpha electrons", "alpha electrons 3\n")), " 1a 1a 1a 1b 1b two sets");
 }
 
 TEST(Convention, WhatACheckpointFileLacksFollowsFromItsArrays) {
@@ -280,6 +287,23 @@ TEST(Convention, WhatACheckpointFileLacksFollowsFromItsArrays) {
   EXPECT_EQ(std::tie(fewer->basis_count, fewer->alpha_orbital_count), std::tuple(5U, 3U));
   EXPECT_EQ(fewer->alpha_orbitals[2].coefficients[4], fields.coefficient(2, 4));
   EXPECT_EQ(cube_file_names(fewer.get(), field_all_orbitals).size(), 3U);
+  const auto listing =
+      written([&](std::FILE* stream) { orbit_print_mo(fewer.get(), stream, orbit_alpha, 5); });
+  EXPECT_EQ(std::ranges::count(listing, '\n'), 1 + 3) << listing;
+}
+
+TEST(Convention, NormsAreThoseOfIntegrationOverAGrid) {
+  SmallFchk fields;
+  fields.shells.clear();
+  for (const int type : {0, 1, 2, 3, 4, -2, -3, -4}) {
+    fields.shells.push_back({type, 1, {0.9, 0.5}, {0.5, 0.75}, {}});
+    fields.shells.push_back({type, 2, {0.6}, {1.0}, {}});
+  }
+  fields.coefficient = [](unsigned i, unsigned j) { return std::sin(1.0 + i + 0.7 * j * (i + 1)); };
+  const auto molecule = read_text(fcheck_read, fchk_text(fields));
+  const double norm = norms_of(*molecule)[3];
+  const auto square = [](const Molecule& of, const double* at) { return std::pow(orbital_at(of, 3, at), 2); };
+  EXPECT_NEAR(integral(*molecule, square), norm, 1e-5 * norm);
 }
 
 // Every function of a shell as an orbital of its own.
@@ -481,27 +505,26 @@ TEST(Convention, NoCutOfAFileGivesAnotherMolecule) {
 
 TEST(Convention, BadCheckpointFilesEndTheRun) {
   const Convention as_written(1);
-  SmallFchk fields = {.method = "UHF", .removed = 1};
-  const std::string text = fchk_text(fields), length = "contradictory length in fchk file - ";
-  const auto with_length = [&](const std::string& label, unsigned n) {
-    const std::size_t at = text.find("\n" + label) + 1;
-    return Breakage{text.substr(at, 61), formatted("%-43s    N=", label.c_str()) + formatted("%12u", n), ""};
+  const std::string text = fchk_text({.method = "UHF", .removed = 1});
+  const auto length = [](const char* label, const char* n, const char* other, const std::string& trouble) {
+    return Breakage{formatted("%-43s    N=", label) + formatted("%12s", n),
+                    formatted("%-43s    N=", label) + formatted("%12s", other),
+                    trouble + " in fchk file - " + label};
   };
-  std::vector<Breakage> breakages;
-  for (const auto& [label, n, message] :
-       {std::tuple<const char*, unsigned, std::string>{"Atomic numbers", 3, length},
-        {"Shell types", 3, length},
-        {"Primitive exponents", 4, length},
-        {"Alpha MO coefficients", 25, length},
-        {"Beta Orbital Energies", 3, ""},
-        {"Alpha Orbital Energies", 6, "invalid length in fchk file - "}}) {
-    breakages.push_back(with_length(label, n));
-    breakages.back().message = message.empty() ? length + "Beta MO coefficients" : message + label;
+  const std::string no_alpha = "missing section in fchk file - Number of alpha electrons";
+  expect_rejected(fcheck_read, text,
+                  {length("Atomic numbers", "2", "3", "contradictory length"),
+                   length("Shell types", "2", "3", "contradictory length"),
+                   length("Primitive exponents", "5", "4", "contradictory length"),
+                   length("Alpha MO coefficients", "20", "25", "contradictory length"),
+                   length("Beta MO coefficients", "20", "19", "contradictory length"),
+                   length("Alpha Orbital Energies", "4", "6", "invalid length"),
+                   {"Number of alpha", "Alpha", no_alpha},
+                   {"Alpha MO", "alpha MO", "missing section in fchk file - Alpha MO coefficients"},
+                   {"alpha electrons ", "alpha electrons 5\n",
+                    "number of electrons exceeds number of orbitals in fchk file"}});
+  // The multiplicity is 3: not all electrons are in pairs.
+  for (const std::string& restricted : {fchk_text(), broken(fchk_text(), "Number of beta", "Beta")}) {
+    expect_rejected(fcheck_read, restricted, {{"Number of alpha", "Alpha", no_alpha}});
   }
-  breakages.push_back(
-      {"Number of alpha", "Alpha", "missing section in fchk file - Number of alpha electrons"});
-  breakages.push_back({"Alpha MO", "alpha MO", "missing section in fchk file - Alpha MO coefficients"});
-  breakages.push_back({"alpha electrons ", "alpha electrons 5\n",
-                       "number of electrons exceeds number of orbitals in fchk file"});
-  expect_rejected(fcheck_read, text, breakages);
 }

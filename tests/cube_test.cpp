@@ -59,6 +59,11 @@ TEST(Cube, OrbitalsThatAreNotThereAreRejected) {
   cube_check(molecule.get(), 42);  // always alpha
   expect_error([&] { cube_check(molecule.get(), 31); },
                invalid + "no beta orbitals in restricted wavefunction");
+  const auto unrestricted = read_text(fcheck_read, fchk_text({.method = "UHF"}));
+  unrestricted->beta_orbital_count = 4;
+  expect_error([&] { cube_check(unrestricted.get(), 31); },
+               invalid + "number of orbital from 1 to 4 expected");
+  inp_rest_scf = 1;
   conf_cube_onety = conf_cube_onesp = conf_cube_moden = 0;
   Molecule large{};
   large.alpha_orbital_count = 32768;
