@@ -156,7 +156,7 @@ TEST(Convention, DialectsOfWfnFilesGiveTheSameMolecule) {
       {"      2 MOL ORBITALS      5 PRIM", "2 MOL ORBITALS 5 PRIM"},
       {"  0.00000000 -0.50000000  3.00000000", " 0.00000000-0.50000000  3.0"},
       {"  0.00000000 -0.50000000  3.00000000", "  0.0 -0.5 3.000000000000E+00 CHARGE = 1.0"},
-      {"(CENTRE  2) ", " CENTRE   7"},
+      {"(CENTRE  2) ", " CENTRE    7"},
       {"  Li", "  LI"},
       {"  Li   1", "  Li1   "},
       {"  H    2", "  H10a  "},
