@@ -4,6 +4,7 @@
 
 #include "exponential.hpp"
 #include "norm.hpp"
+#include "power.hpp"
 #include "prim.hpp"
 
 namespace {
@@ -12,6 +13,13 @@ using Evaluator = double (*)(const BasisFunction*, unsigned, const double*);
 
 struct Tag;
 using Lanes = Pack<Tag, 2>;
+
+// How far a value is from the exact one, in units of its last place.
+double units_off(double value, long double exact) {
+  int exponent;
+  std::frexp(static_cast<double>(exact), &exponent);
+  return static_cast<double>(std::fabs(value - exact) / std::ldexp(1.0L, std::max(exponent, -1021) - 53));
+}
 
 // A function of one primitive, with coefficient 1, on an atom of its own.
 struct Single {
@@ -50,6 +58,30 @@ const std::map<int, int> component_counts = {{0, 1},  {1, 3},  {2, 6},  {3, 10},
                                              {4, 15}, {-2, 5}, {-3, 7}, {-4, 9}};
 
 }  // namespace
+
+TEST(Power, IsRoundedOnce) {
+  std::mt19937_64 random(3);
+  for (int i = 0; i < 100000; ++i) {
+    const double base = std::ldexp(from_bits(random() >> 12 | bits_of(1.0), 0.0),
+                                   static_cast<int>(random() % 300) - 200);  // some results are subnormal
+    const auto exact = [&](double exponent) { return std::pow(static_cast<long double>(base), exponent); };
+    const unsigned whole = 5 + 2 * static_cast<unsigned>(i % 4),
+                   quarters = 1 + 2 * static_cast<unsigned>(i % 2);
+    if (exact(whole) < std::numeric_limits<double>::max()) {
+      ASSERT_LT(units_off(power_whole(base, whole), exact(whole)), 0.501) << formatted("%a", base) << whole;
+    }
+    ASSERT_LT(units_off(power_quarters(base, quarters), exact(0.25 * quarters)), 0.501)
+        << formatted("%a", base) << quarters;
+  }
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  const std::tuple<double, double, double> rows[] = {
+      {0.0, 0.0, 0.0}, {infinity, infinity, infinity}, {-infinity, -infinity, infinity}};
+  for (const auto& [base, seventh, root] : rows) {
+    EXPECT_EQ(std::pair(power_whole(base, 7), power_quarters(base, 1)), std::pair(seventh, root)) << base;
+  }
+  EXPECT_EQ(power_whole(-2.0, 5), -32.0);
+  EXPECT_TRUE(std::isnan(power_quarters(-2.0, 3)) && std::isnan(power_whole(std::nan(""), 5)));
+}
 
 TEST(Norm, OfComponentsAndShellsThatDoNotExist) {
   const std::tuple<int, int, double> rows[] = {
@@ -173,11 +205,7 @@ TEST(Exponential, ErrsByLessThanOneUnitInTheLastPlace) {
     for (int i = 0; i < 300000; ++i) {
       const double x = number(random);
       const double value = exponential(x);
-      const long double exact = std::exp(static_cast<long double>(x));
-      int exponent;
-      std::frexp(static_cast<double>(exact), &exponent);
-      const double unit = std::ldexp(1.0, std::max(exponent, -1021) - 53);
-      worst = std::max(worst, static_cast<double>(std::fabs(value - exact) / unit));
+      worst = std::max(worst, units_off(value, std::exp(static_cast<long double>(x))));
       ASSERT_EQ(bits_of(exponential(Lanes(x)))[1], bits_of(value)) << x;
       if (std::fabs(x) <= 708.0) {
         ASSERT_EQ(bits_of(exponential_normal(Lanes(x)))[1], bits_of(value)) << x;
