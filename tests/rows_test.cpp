@@ -4,6 +4,7 @@
 #include "eval.hpp"
 #include "fcheck.hpp"
 #include "occupation.hpp"
+#include "rows_bound.hpp"
 #include "small_files.hpp"
 
 namespace {
@@ -35,6 +36,9 @@ Numbers exact_values(const Molecule& molecule, const double* point, SweepField f
 
 struct Found {
   unsigned known = 0, unknown = 0, other_text = 0;
+  double error = 0.0;      // the largest, relatively
+  double share = 0.0;      // of a tolerance that is an error
+  double tolerance = 0.0;  // the largest
 };
 
 // No value may lie farther from the exact one than its tolerance tells.
@@ -50,10 +54,14 @@ void expect_within_tolerance(const Molecule& molecule, const CubeDefinition& cub
     const Numbers exact = exact_values(molecule, point, field, orbitals);
     for (std::size_t f = 0; f < exact.size(); ++f) {
       const double value = rows->field(f)[k], tolerance = rows->tolerances(f)[k];
+      const double error = std::fabs(value - exact[f]) / std::fabs(value);
       if (tolerance < 1e-7) {
         ASSERT_LE(std::fabs(value - exact[f]), tolerance * std::fabs(value))
             << "field " << f << " at " << point[0] << ' ' << point[1] << ' ' << point[2];
+        found->share = std::max(found->share, error / tolerance);
       }
+      found->error = std::max(found->error, error);
+      found->tolerance = std::max(found->tolerance, tolerance);
       ++(tolerance < 1e-7 ? found->known : found->unknown);
       found->other_text += formatted("%13.5e", value) != formatted("%13.5e", exact[f]) ? 1 : 0;
     }
@@ -74,14 +82,45 @@ SmallFchk strained(std::mt19937_64& random) {
     fields.shells.push_back({type, atom, {a, exponent(), exponent()}, {c, number(), number()}, {}});
     fields.shells.push_back({type, atom, {a, a * (1.0 + 1e-7)}, {c, -c}, {}});
     fields.shells.push_back({type, atom, {std::pow(10.0, number())}, {number()}, {}});
-    fields.shells.push_back({0, atom, {2.0, 0.5}, {1.0, 1.0 + 1e-9 * i}, {}});  // no multiples, but nearly
-    fields.shells.push_back({0, 2, {0.3}, {std::pow(1e3, i % 3)}, {}});         // multiples
+    fields.shells.push_back({0, atom, {2.0, 0.5}, {1.0, 1.0 + 1e-11 * i}, {}});  // no multiples, but nearly
+    fields.shells.push_back({0, 2, {0.3}, {std::pow(1e3, i % 3)}, {}});          // multiples
   }
   fields.coefficient = [seed = random()](unsigned i, unsigned j) {
     std::mt19937_64 generator(seed + 1000UL * i + j);
     return std::uniform_real_distribution(-1.0, 1.0)(generator) * (i < 12 ? 1.0 : 1e4);
   };
   return fields;
+}
+
+// A function, and its coefficient in an orbital.
+struct Part {
+  int type, component;
+  Numbers exponents, contraction;
+  double coefficient;
+};
+
+// The same of an orbital in memory: a file that has thousands of functions would be large.
+Found find_in_orbital(std::vector<Part> parts, const CubeDefinition& cube) {
+  Atom atom{};
+  std::vector<BasisFunction> functions;
+  Numbers coefficients;
+  for (Part& part : parts) {
+    const auto type = static_cast<short>(part.type), component = static_cast<short>(part.component);
+    const auto count = static_cast<unsigned>(part.exponents.size());
+    functions.push_back(
+        {type, component, type, count, 0, part.exponents.data(), part.contraction.data(), &atom});
+    coefficients.push_back(part.coefficient);
+  }
+  Molecule molecule{};
+  molecule.atom_count = 1;
+  molecule.atoms = &atom;
+  molecule.basis_count = static_cast<unsigned>(functions.size());
+  molecule.basis = functions.data();
+  const Orbital orbital = {-1.0, coefficients.data()};
+  Found found;
+  with_every_kernel(
+      [&](const char*) { expect_within_tolerance(molecule, cube, SweepField::orbital, {&orbital}, &found); });
+  return found;
 }
 
 CubeDefinition random_grid(std::mt19937_64& random) {
@@ -147,6 +186,70 @@ TEST(Rows, CountWhatTheyLeaveOut) {
                               occupied_orbitals(molecule.get()), &found);
     });
   }
+}
+
+// Sums in which all roundings of one kind go the same way. What is added to a large number is just below or
+// above half a unit of its last place, by how far the number is from a power of two: each point has its own.
+TEST(Rows, CountTheRoundingsOfSums) {
+  constexpr std::size_t many = 2000;
+  constexpr double below_half = 0.98 * rows_unit, above_half = 1.02 * rows_unit;
+  const Part large = {0, 0, {1.0}, {1.0}, 1.0};
+  const auto followed_by = [&](auto small) {
+    std::vector<Part> parts = {large};
+    for (std::size_t i = 0; i < many; ++i) {
+      parts.push_back(small(0.001 * static_cast<double>(i)));
+    }
+    return parts;
+  };
+  // Their second primitive, which comes to nothing, makes each function a radial of its own.
+  const auto own_radial = [](int type, double coefficient) {
+    return [=](double distinct) { return Part{type, 0, {1.0, 2.0 + distinct}, {1.0, 1e-30}, coefficient}; };
+  };
+  Part long_contraction = {0, 0, Numbers(many, 1.0), Numbers(many, below_half), 1.0};
+  long_contraction.contraction[0] = 1.0;
+  const std::tuple<const char*, std::vector<Part>, double> rows[] = {
+      {"primitives", {long_contraction}, 0.4},
+      {"functions, multiples", followed_by([](double) {
+         return Part{0, 0, {1.0}, {1.0}, below_half};
+       }),
+       0.8},
+      {"row functions", followed_by(own_radial(-4, 1e-10)), 0.2},
+      {"left out", followed_by(own_radial(0, above_half)), 0.8},
+      {"near multiples", {{0, 0, {2, 1}, {1, 1}, 1}, {0, 0, {2, 1}, {1, 1 + 1e-11}, 1}}, 0.0}};
+  const CubeDefinition cube = {{1, 1, 200}, {{0.1, 0.2, 0.3}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.01}}};
+  for (const auto& [name, parts, share] : rows) {
+    SCOPED_TRACE(name);
+    const Found found = find_in_orbital(parts, cube);
+    EXPECT_GT(found.share, share) << "no strain";
+    EXPECT_LT(found.tolerance, 1e-11);
+  }
+}
+
+// The larger an argument, the larger is the error of its exponential; huge coefficients make it count.
+TEST(Rows, BoundWhatLargeArgumentsErr) {
+  std::mt19937_64 random(13);
+  const auto number = [&] { return std::uniform_real_distribution(6.0, 10.0)(random); };
+  double error = 0.0;
+  for (int trial = 0; trial < 200; ++trial) {
+    const double x = number(), y = number(), z = number();
+    const CubeDefinition cube = {{1, 1, 150}, {{x, y, z}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.001}}};
+    const Found found = find_in_orbital({{4, 12, {170.0 / (x * x + y * y + z * z)}, {4e28}, 1e30}}, cube);
+    error = std::max(error, found.error);
+  }
+  EXPECT_GT(error, rows_rounding(1.0, 1.0)) << "no strain";
+}
+
+TEST(Rows, ToleranceOfASumCoversTheRoundingsOfBoth) {
+  constexpr unsigned many = 2000;
+  const double half = std::sqrt(rows_unit);  // whose square is half a unit in the last place of 1
+  OccupiedSums<double> below, above;
+  below.add(1.0, 1.0), above.add(1.0, 1.0);
+  for (unsigned i = 0; i < many; ++i) {
+    below.add(half * (1.0 - 1e-9), 1.0), above.add(half * (1.0 + 1e-9), 1.0);
+  }
+  const double bound = std::sqrt(many) * 2e-9 * half;
+  EXPECT_LE(above.density - below.density, rows_sum_tolerance(bound, below.density, many + 1));
+  EXPECT_GT(above.density - below.density, 0.9 * rows_sum_tolerance(bound, below.density, many + 1));
 }
 
 // What counts for an orbital in one end of a row is not what counts in the other.
