@@ -312,6 +312,14 @@ void check_electrons(const Molecule& molecule) {
 
 }  // namespace
 
+std::vector<std::string_view> fcheck_labels() {
+  std::vector<std::string_view> labels;
+  for (const Section& section : sections) {
+    labels.emplace_back(section.label);
+  }
+  return labels;
+}
+
 void fcheck_read(Molecule* molecule) {
   std::FILE* stream = file_open(glob_file_input, "r");
   Input input = {.reader = Reader(stream), .molecule = molecule, .shells = {}, .line = {}, .states = {}};

@@ -1,8 +1,14 @@
 #pragma once
 
+#include <string_view>
+#include <vector>
+
 // Formatted checkpoint files.
 
 struct Molecule;
+
+/// The labels of the sections that are read.
+std::vector<std::string_view> fcheck_labels();
 
 /// Fills a molecule that mem_init_mol has cleared from the formatted checkpoint file named by
 /// glob_file_input, and sets inp_rest_scf. Lengths are in bohr, energies in hartree, as in the file. Whatever
