@@ -54,6 +54,10 @@ Id id_of(const BasisFunction& function) {
   return id;
 }
 
+std::string name_of(int type, int component) {
+  return formatted("shell type %d, ", type) + formatted("component %d", component);
+}
+
 const std::map<int, int> component_counts = {{0, 1},  {1, 3},  {2, 6},  {3, 10},
                                              {4, 15}, {-2, 5}, {-3, 7}, {-4, 9}};
 
@@ -68,16 +72,18 @@ TEST(Power, IsRoundedOnce) {
     const unsigned whole = 5 + 2 * static_cast<unsigned>(i % 4),
                    quarters = 1 + 2 * static_cast<unsigned>(i % 2);
     if (exact(whole) < std::numeric_limits<double>::max()) {
-      ASSERT_LT(units_off(power_whole(base, whole), exact(whole)), 0.501) << formatted("%a", base) << whole;
+      ASSERT_LT(units_off(power_whole(base, whole), exact(whole)), 0.501)
+          << formatted("%a", base) << " to the power " << whole;
     }
     ASSERT_LT(units_off(power_quarters(base, quarters), exact(0.25 * quarters)), 0.501)
-        << formatted("%a", base) << quarters;
+        << formatted("%a", base) << " to the power of quarters " << quarters;
   }
   constexpr double infinity = std::numeric_limits<double>::infinity();
   const std::tuple<double, double, double> rows[] = {
       {0.0, 0.0, 0.0}, {infinity, infinity, infinity}, {-infinity, -infinity, infinity}};
   for (const auto& [base, seventh, root] : rows) {
-    EXPECT_EQ(std::pair(power_whole(base, 7), power_quarters(base, 1)), std::pair(seventh, root)) << base;
+    EXPECT_EQ(std::pair(power_whole(base, 7), power_quarters(base, 1)), std::pair(seventh, root))
+        << "of " << base;
   }
   EXPECT_EQ(power_whole(-2.0, 5), -32.0);
   EXPECT_TRUE(std::isnan(power_quarters(-2.0, 3)) && std::isnan(power_whole(std::nan(""), 5)));
@@ -89,7 +95,7 @@ TEST(Norm, OfComponentsAndShellsThatDoNotExist) {
       {2, 7, 2.850822}, {2, -1, 1.645923}, {-2, 5, 0.0}, {-2, -1, 0.0}, {-3, 7, 0.0},
       {-4, 9, 0.0},     {-4, -1, 0.0},     {-1, 0, 1.0}, {5, 3, 1.0},   {-5, 0, 1.0}};
   for (const auto& [type, component, expected] : rows) {
-    EXPECT_NEAR(Single(type, component, 1.0).norm(), expected, 1e-6) << type << ' ' << component;
+    EXPECT_NEAR(Single(type, component, 1.0).norm(), expected, 1e-6) << name_of(type, component);
   }
 }
 
@@ -106,7 +112,8 @@ TEST(Primitive, SquareOfEveryComponentIntegratesToOne) {
         integral += std::pow(single.at(point), 2) * step * step * step;
       }
       const double others[] = {280.0 / 297.0, 1.0, 1.0, 14.0 / 17.0};
-      EXPECT_NEAR(integral, type == -4 && component < 4 ? others[component] : 1.0, 1e-8) << type << component;
+      EXPECT_NEAR(integral, type == -4 && component < 4 ? others[component] : 1.0, 1e-8)
+          << name_of(type, component);
     }
   }
 }
@@ -138,8 +145,8 @@ TEST(Primitive, CartesianComponentsFollowTheTables) {
     }
     for (const int component : {-1, static_cast<int>(names.size())}) {
       const Single none(type, component, 0.5);
-      EXPECT_EQ(evaluate(&none.function, 0, point), 0.0) << type;
-      EXPECT_TRUE(type == 1 || id_of(none.function) == no_id) << type;
+      EXPECT_EQ(evaluate(&none.function, 0, point), 0.0) << name_of(type, component);
+      EXPECT_TRUE(type == 1 || id_of(none.function) == no_id) << name_of(type, component);
     }
   }
 }
@@ -156,8 +163,8 @@ TEST(Primitive, PureComponentsFollowTheTables) {
       {-4, 6, gfce_g9_x2yzy3z, -6},    {-4, 7, gfce_g9_x4y4x2y2, -7}, {-4, 8, gfce_g9_x3yy3x, -6}};
   for (const auto& [type, component, evaluate, factor] : rows) {
     const Single single(type, component, 0.25);
-    EXPECT_NEAR(single.angular(point), factor, 1e-13 * std::fabs(factor)) << type << ' ' << component;
-    EXPECT_EQ(evaluate(&single.function, 0, point), single.at(point)) << type << ' ' << component;
+    EXPECT_NEAR(single.angular(point), factor, 1e-13 * std::fabs(factor)) << name_of(type, component);
+    EXPECT_EQ(evaluate(&single.function, 0, point), single.at(point)) << name_of(type, component);
   }
   const std::tuple<int, int, Evaluator> zeros[] = {
       {-2, 0, dfce_d5_xy},    {-2, 3, dfce_d5_xy},    {-3, 0, ffce_f7_z2xr2x}, {-3, 3, ffce_f7_z2xr2x},
@@ -165,7 +172,7 @@ TEST(Primitive, PureComponentsFollowTheTables) {
       {-4, 9, gfce_g9},       {-4, -1, gfce_g9},      {-1, 0, prim_fce},       {5, 0, prim_fce}};
   for (const auto& [type, component, evaluate] : zeros) {
     const Single single(type, component, 0.25);
-    EXPECT_EQ(evaluate(&single.function, 0, point), 0.0) << type << ' ' << component;
+    EXPECT_EQ(evaluate(&single.function, 0, point), 0.0) << name_of(type, component);
   }
 }
 
@@ -211,7 +218,7 @@ TEST(Exponential, ErrsByLessThanOneUnitInTheLastPlace) {
         ASSERT_EQ(bits_of(exponential_normal(Lanes(x)))[1], bits_of(value)) << x;
       }
     }
-    EXPECT_LT(worst, 1.0) << lowest;
+    EXPECT_LT(worst, 1.0) << "from " << lowest << " on";
   }
 }
 

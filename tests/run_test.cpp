@@ -326,7 +326,7 @@ TEST(Listing, ShellsAreCalledByLetterAndSizeAndWhatHasNoNameX) {
                                                 {3, "F10"}, {-3, "F7"}, {4, "X"},   {-4, "X"}};
   for (const auto& [type, expected] : rows) {
     char symbol[4];
-    EXPECT_STREQ(basis_shell_sym(symbol, type), expected) << type;
+    EXPECT_STREQ(basis_shell_sym(symbol, type), expected) << "shell type " << type;
   }
   Atom atom = {112, {0, 0, 0}, "?"};
   BasisFunction functions[15 + 7];
