@@ -78,13 +78,9 @@ TEST(Power, IsRoundedOnce) {
     ASSERT_LT(units_off(power_quarters(base, quarters), exact(0.25 * quarters)), 0.501)
         << formatted("%a", base) << " to the power of quarters " << quarters;
   }
-  constexpr double infinity = std::numeric_limits<double>::infinity();
-  const std::tuple<double, double, double> rows[] = {
-      {0.0, 0.0, 0.0}, {infinity, infinity, infinity}, {-infinity, -infinity, infinity}};
-  for (const auto& [base, seventh, root] : rows) {
-    EXPECT_EQ(std::pair(power_whole(base, 7), power_quarters(base, 1)), std::pair(seventh, root))
-        << "of " << base;
-  }
+  EXPECT_EQ(std::pair(power_whole(-HUGE_VAL, 7), power_quarters(-HUGE_VAL, 1)),
+            std::pair(-HUGE_VAL, HUGE_VAL));
+  EXPECT_EQ(std::pair(power_whole(0.0, 7), power_quarters(0.0, 1)), std::pair(0.0, 0.0));
   EXPECT_EQ(power_whole(-2.0, 5), -32.0);
   EXPECT_TRUE(std::isnan(power_quarters(-2.0, 3)) && std::isnan(power_whole(std::nan(""), 5)));
 }
