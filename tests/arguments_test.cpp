@@ -81,7 +81,7 @@ TEST(Arguments, BoundAndExclusiveArgumentsAreCheckedAndShown) {
       {exclude, set, "[-n <count>] | -f <name> <item>", "s <count> and <name> must not be set together"},
       {both, {"-n", "1"}, "{{[-n <count>] <item>} | -f <name>}", "s <count> and <item> must be set together"},
       {merge, {"-q"}, "{[-n <count>] <item>} -f <name>", "s <> and <> must be set together"},
-      {join, {"-q", "-w"}, "{[-n <count>] <item>} -f <name>", "s <> and <count> must be set together"}};
+      {join, {"-w", "-n", "1", "x"}, "{[-n <count>] <item>} -f <name>", "s <> and <> must be set together"}};
   for (const auto& [change, words, line, reason] : rows) {
     expect_exit([&run = change, &given = words] { read(given, run); }, 1,
                 std::string("usage: prog [-qwS] ") + line + "\nerror: argument" + reason + "\n");

@@ -176,17 +176,18 @@ TEST(Sweep, GivesEveryBitInWhateverOrderTheFunctionsStand) {
   const auto molecule = read_text(fcheck_read, fchk_text(fields));
   const std::span functions(molecule->basis, molecule->basis_count);
   const auto expect = [&] { expect_every_bit(*molecule, {grids[0]}); };
+  const std::vector<BasisFunction> in_order(functions.begin(), functions.end());
+  for (unsigned i = 0; i < 6; ++i) {  // x, x, y, y, z, z of two atoms
+    functions[i] = in_order[i % 2 * 3 + i / 2];
+  }
+  expect();
+  std::ranges::copy(in_order, functions.begin());
   for (unsigned turn = 0; turn < 4; ++turn) {  // of the y functions among the p shells
     expect();
     for (unsigned shell = 0; shell < 4; ++shell) {
       std::swap(functions[3 * shell + 1], functions[3 * shell + 4]);
     }
   }
-  const std::vector<BasisFunction> in_order(functions.begin(), functions.end());
-  for (unsigned i = 0; i < 6; ++i) {  // x, x, y, y, z, z of two atoms
-    functions[i] = in_order[i % 2 * 3 + i / 2];
-  }
-  expect();
   std::ranges::stable_sort(functions, {}, &BasisFunction::component);
   expect();
   std::ranges::reverse(functions);
