@@ -90,6 +90,7 @@ TEST(Power, IsRoundedOnce) {
 TEST(Norm, HasThePowersRoundedOnce) {
   EXPECT_EQ(norm_fce_p(302.280288), 1796.6040404440726);
   EXPECT_EQ(norm_fce_p(20.231616), 61.16152487382995);
+  EXPECT_EQ(norm_fce_p(51.992014), 199.00357988272506);
 }
 
 TEST(Norm, OfComponentsAndShellsThatDoNotExist) {
