@@ -85,8 +85,8 @@ TEST(Power, IsRoundedOnce) {
   EXPECT_TRUE(std::isnan(power_quarters(-2.0, 3)) && std::isnan(power_whole(std::nan(""), 5)));
 }
 
-// Of exponents whose fifth power the C library rounds wrongly with, or without, fused operations: by 80
-// digits.
+// Of exponents whose fifth power, or the fourth root after it, the C library rounds wrongly with or without
+// fused operations. By 80 digits.
 TEST(Norm, HasThePowersRoundedOnce) {
   EXPECT_EQ(norm_fce_p(302.280288), 1796.6040404440726);
   EXPECT_EQ(norm_fce_p(20.231616), 61.16152487382995);
