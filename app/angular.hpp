@@ -9,7 +9,8 @@
 #include "shell.hpp"
 
 // What the angular factors of all shells are made of. A factor is a function of the point relative to the
-// centre (x, y, z in bohr), written once for one double and for a pack.
+// centre (x, y, z in bohr), written once over a number type: one double or a pack, polynomials
+// (angular_polynomial.hpp) or counts of roundings (angular_rounding.hpp).
 
 template <class Real>
 using Vector = std::array<Real, 3>;
@@ -20,7 +21,7 @@ struct AxisProduct {
   std::array<unsigned char, Degree> axes;
 
   template <class Real>
-  Real operator()(const Vector<Real>& r) const {
+  constexpr Real operator()(const Vector<Real>& r) const {
     if constexpr (Degree == 0) {
       return 1.0;
     } else {
@@ -77,7 +78,7 @@ Real cubed(const Real& v) {
 /// Calls `use` with the factor of a component out of a tuple or array of all components' factors; not at all
 /// for a component out of range. The one factor of an s shell is taken for whatever component.
 template <class Factors, class Use>
-void angular_select(const Factors& factors, int component, Use use) {
+constexpr void angular_select(const Factors& factors, int component, Use use) {
   if constexpr (std::tuple_size_v<Factors> == 1) {
     component = 0;
   }

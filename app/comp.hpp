@@ -12,13 +12,13 @@
 
 // The sweep over the grid: the data of the cube files.
 
-/// Values of all basis functions at the point or points at hand. Exists during an exact sweep only.
+/// Values of all basis functions at the point or points at hand. Null but while the exact sweep evaluates
+/// points, all of the grid or those that rows leave in doubt; comp_point_value has its caller set it.
 extern double* comp_bfce_vec;
 
 /// Writes the data of a field for all points, the third axis fastest, "%13.5e" each, six to a line, every row
 /// of the third axis on a new line. Codes as for cube_write_file; `second`, null but for
-/// field_density_and_potential, gets the
-/// average local ionization potential.
+/// field_density_and_potential, gets the average local ionization potential.
 void comp_data(const Molecule* molecule, const CubeDefinition* cube, std::int16_t code, std::int16_t orbital,
                std::FILE* first, std::FILE* second);
 
@@ -39,6 +39,7 @@ OrbitalTexts comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_cou
 void comp_orbital_texts(const Molecule* molecule, const CubeDefinition* cube, const Orbital* orbitals,
                         unsigned count, OrbitalTexts* result);
 
+/// What the sweeps must agree with, and tests compare them with; the program itself does not call it.
 /// The field of the code at one point (x, y, z in bohr) in `first`; for those of the potential `first` is the
 /// total density (bohr^-3) and `second` the average local ionization potential (hartree). Other codes leave
 /// `second` as it is. comp_bfce_vec must have room for all basis functions.

@@ -148,6 +148,17 @@ void read_point_counts(Reader* stream, CubeDefinition* cube) {
 
 }  // namespace
 
+std::vector<std::string_view> conf_names() {
+  std::vector names = {grid_item};
+  for (const NumericItem& item : numeric_items) {
+    names.push_back(item.name);
+  }
+  for (const FileNameItem& item : file_name_items) {
+    names.push_back(item.name);
+  }
+  return names;
+}
+
 void conf_read(CubeDefinition* cube) {
   std::FILE* file = open_if_file(glob_file_config);
   if (file == nullptr) {

@@ -8,7 +8,8 @@
 #include "occupation.hpp"
 
 // Fields from the wavefunction at a point. The formulas are templates over the number type: one double here,
-// packs of points in the sweep.
+// packs of points in both sweeps. The functions for one point are the definition of the fields: the sweeps
+// are compared with them, and the program has no other use for them.
 
 /// Sums over primitives, from 0.0 in index order, for functions that share their contraction coefficients:
 /// sums[f] = Σ coefficients[i] · primitive(i, f) for i < count.

@@ -378,3 +378,11 @@ void fcheck_check_sections(FchkInput& input) {
     }
   }
 }
+
+std::vector<std::string_view> fcheck_labels() {
+  std::vector<std::string_view> labels;
+  for (const Section& section : sections) {
+    labels.emplace_back(section.label);
+  }
+  return labels;
+}

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+#include <string_view>
 #include <vector>
 
 #include "memory.hpp"
@@ -42,3 +43,6 @@ void fcheck_check_sections(FchkInput& input);
 /// Whether there is a section of beta orbitals: a file without any of them has none, one with a part of them
 /// was cut off, or has them before the count that they need.
 bool fcheck_has_beta_orbitals(FchkInput& input);
+
+/// The labels of all sections that are read.
+std::vector<std::string_view> fcheck_labels();

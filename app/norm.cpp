@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstddef>
 #include <numbers>
 
+#include "power.hpp"
 #include "shell.hpp"
 
 namespace {
@@ -68,7 +68,7 @@ static_assert(is(cartesian_norms<1>[2], 128, 31.006276680299816) &&
               is(g9_norms[0], 8192, 24615293.937233098) && is(g9_norms[3], 8192, 80647.32564545982));
 
 double norm_of(const Norm& norm, unsigned l, double exponent) {
-  return std::pow(norm.m * std::pow(exponent, 2.0 * l + 3.0) / norm.divisor, 0.25);
+  return power_quarters(norm.m * power_whole(exponent, 2 * l + 3) / norm.divisor, 1);
 }
 
 template <unsigned L>
@@ -88,7 +88,7 @@ double pure(const std::array<Norm, Count>& norms, int component, double exponent
 
 }  // namespace
 
-double norm_fce_s(double exponent) { return std::pow((exponent + exponent) / std::numbers::pi, 0.75); }
+double norm_fce_s(double exponent) { return power_quarters((exponent + exponent) / std::numbers::pi, 3); }
 double norm_fce_p(double exponent) { return cartesian<1>(0, exponent); }
 double norm_fce_d6(int component, double exponent) { return cartesian<2>(component, exponent); }
 double norm_fce_d5(int component, double exponent) { return pure(d5_norms, component, exponent); }

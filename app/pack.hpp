@@ -5,8 +5,8 @@
 #include <utility>
 
 // The number types of the field formulas. A formula is a template over Real: one double (the point-by-point
-// functions) or a Pack of doubles, one point in each lane (the sweep). Both round every operation once, in
-// the same order, and so give the same bits.
+// functions) or a Pack of doubles, one point in each lane (the sweeps). In the exact sweep both round every
+// operation once, in the same order, and so give the same bits; the kernels of the rows may fuse operations.
 
 /// `Lanes` doubles. `Tag` is a type of an unnamed namespace: it keeps all that is made for a pack inside the
 /// translation unit that is compiled for the pack's instruction set.

@@ -6,13 +6,14 @@
 #include "gfce.hpp"
 #include "memory.hpp"
 
-// Primitives of any shell: which angular factors a shell type has.
+// Primitives of any shell: which angular factors a shell type has, for both sweeps. The functions for one
+// point are part of the definition of the fields, as those of eval.hpp.
 
 /// Calls `use` with the tuple or array of the angular factors of all components of a shell; each is a
 /// callable from a Vector<Real> to a Real. Not called for a shell type that does not exist: its functions are
 /// 0 everywhere.
 template <class Use>
-void prim_shell(int type, Use use) {
+constexpr void prim_shell(int type, Use use) {
   switch (type) {
     case 0:
       return use(cartesian_factors<0>);

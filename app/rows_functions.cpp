@@ -8,10 +8,13 @@
 #include <utility>
 
 #include "angular_polynomial.hpp"
+#include "angular_rounding.hpp"
 #include "exponential.hpp"
 #include "norm.hpp"
 #include "prim.hpp"
 #include "rows_bound.hpp"
+
+static_assert(angular_rounding_max() <= rows_angular, "raise rows_angular, of which the bound is made");
 
 namespace {
 
@@ -21,6 +24,7 @@ constexpr double table_room = 64.0 * 1024 * 1024 / sizeof(double);
 // What keeps all products of a sweep within the range of doubles, with room for what underflows.
 constexpr double offset_max = 1e5;  // bohr
 constexpr double exponent_min = 1e-8, exponent_max = 1e10;
+static_assert(shell_max <= 8, "squares of 1e90 offset_max^shell_max, times 1e30: lower offset_max");
 
 bool is_ordinary_exponent(double exponent) { return exponent >= exponent_min && exponent <= exponent_max; }
 

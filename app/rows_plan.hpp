@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "shell.hpp"
 #include "sweep_plan.hpp"
 
 // What the sweep by rows hands to its kernels; as for the exact sweep, plain memory. Further words:
@@ -16,7 +17,7 @@
 //   collapsed     in a row each orbital is a sum over row functions; the coefficient of each is the sum of
 //                 those of all monomials of its power, times their powers of the offsets across
 
-inline constexpr unsigned row_powers = 5;  // 0 to 4, the highest angular momentum
+inline constexpr unsigned row_powers = shell_max + 1;  // from 0 on
 
 /// A Gaussian exp(-α r²) is the product of its factors exp(-α d²) along the three axes.
 struct RowTerm {
@@ -68,7 +69,7 @@ struct RowPlan {
   const RowTerm* terms;
   const RowMonomial* monomials;
   const RowOrbitals* chunks;
-  // Of the bound, see rows_bound.hpp.
+  // Of the bound; rows_bound.hpp explains them.
   double rounding, tail[2], cut;
 };
 

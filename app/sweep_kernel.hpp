@@ -12,7 +12,9 @@
 // instruction set, with a pack type of an unnamed namespace.
 
 /// One pass over a block. A tile is `TilePacks` packs wide; its orbital sums are formed for up to
-/// `TileOrbitals` orbitals at once, so that the sums stay in registers.
+/// `TileOrbitals` orbitals at once, so that the sums stay in registers: 12 of the 32 of AVX-512, 8 of 16
+/// else. Products, which must not be fused with sums, need others; with so many chains of sums the
+/// processor's units for products and sums are busy, and more orbitals are no faster.
 template <class Real, unsigned TilePacks, unsigned TileOrbitals>
 class SweepPass {
  public:

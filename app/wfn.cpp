@@ -89,7 +89,8 @@ void read_block(Number* values, unsigned count, unsigned per_line, unsigned labe
   }
 }
 
-// A type number beyond the shells makes an s function, whose numbers are all 0.
+// Type numbers count from 1 through the components of the Cartesian shells. Any other is an s function, as a
+// function is whose type and component are left 0.
 void set_type(BasisFunction& function, unsigned type_number) {
   unsigned first = 1;
   for (short type = 0; type <= shell_max; ++type) {

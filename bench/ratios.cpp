@@ -16,6 +16,7 @@
 #include <cstring>
 #include <ctime>
 #include <filesystem>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -252,23 +253,31 @@ int main(int argc, char** argv) {
     std::perror(scratch);
     return 1;
   }
-  for (const SweepKernel* kernel : sweep_kernels()) {
-    if (!kernel->is_supported()) {
-      continue;
+  const auto for_each_kernel_and_file = [&](auto use) {
+    for (const SweepKernel* kernel : sweep_kernels()) {
+      if (kernel->is_supported()) {
+        setenv("ORVA_KERNEL", kernel->name, 1);
+        for (const std::string& file : std::span(paths).subspan(2)) {
+          use(*kernel, file);
+        }
+      }
     }
-    setenv("ORVA_KERNEL", kernel->name, 1);
-    for (auto file = paths.begin() + 2; file != paths.end(); ++file) {
-      std::snprintf(glob_file_input, sizeof glob_file_input, "%s", file->c_str());
-      Molecule molecule;
-      mem_init_mol(&molecule);
-      fcheck_read(&molecule);
-      std::printf("%s %s: %u atoms, %u functions, %zu occupied orbitals\n", kernel->name, file->c_str(),
-                  molecule.atom_count, molecule.basis_count, occupation_of(&molecule).orbitals.size());
-      print_whole_runs(paths[0], paths[1], *file);
-      print_sweep(molecule, *kernel);
-      mem_clean(&molecule, nullptr);
-    }
-  }
+  };
+  // First the runs, while this process is small: the peak memory of a child counts what it had before exec.
+  for_each_kernel_and_file([&](const SweepKernel& kernel, const std::string& file) {
+    std::printf("%s %s\n", kernel.name, file.c_str());
+    print_whole_runs(paths[0], paths[1], file);
+  });
+  for_each_kernel_and_file([&](const SweepKernel& kernel, const std::string& file) {
+    std::snprintf(glob_file_input, sizeof glob_file_input, "%s", file.c_str());
+    Molecule molecule;
+    mem_init_mol(&molecule);
+    fcheck_read(&molecule);
+    std::printf("%s %s: %u atoms, %u functions, %zu occupied orbitals\n", kernel.name, file.c_str(),
+                molecule.atom_count, molecule.basis_count, occupation_of(&molecule).orbitals.size());
+    print_sweep(molecule, kernel);
+    mem_clean(&molecule, nullptr);
+  });
   std::filesystem::remove_all(scratch);
   return 0;
 }

@@ -44,8 +44,8 @@ const auto defaults = with_values(
 
 void prepare(std::string_view input) {
   // No messages; reports of the sanitizers and of the fuzzer do not go through the stream.
-  static const bool is_quiet = std::freopen("/dev/null", "w", stdout) != nullptr &&
-                               (stderr = std::fopen("/dev/null", "w")) != nullptr;
+  static const bool is_quiet =
+      std::freopen("/dev/null", "w", stdout) != nullptr && (stderr = std::fopen("/dev/null", "w")) != nullptr;
   static const int file = memfd_create("input", 0);
   if (!is_quiet || ftruncate(file, 0) != 0 || pwrite(file, input.data(), input.size(), 0) < 0) {
     std::abort();

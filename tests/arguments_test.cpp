@@ -73,13 +73,15 @@ TEST(Arguments, BoundAndExclusiveArgumentsAreCheckedAndShown) {
   const Change exclude = [](ArgTable* t) { arg_exclude(t, 3, 4); };
   const Change both = [](ArgTable* t) { bind_item(t), arg_exclude(t, 5, 4); };
   const Change merge = [](ArgTable* t) { arg_bind(t, 0, 1), arg_bind(t, 1, 3), bind_item(t); };
+  const Change join = [](ArgTable* t) { arg_bind(t, 0, 1), bind_item(t), arg_bind(t, 1, 3); };
   const Change apart = [](ArgTable* t) { arg_bind(t, 0, 1), bind_item(t); };
   const Words set = {"-n", "1", "-f", "x"};
   const std::tuple<Change, Words, const char*, const char*> rows[] = {
       {bind_item, set, "{[-n <count>] <item>} -f <name>", "s <count> and <item> must be set together"},
       {exclude, set, "[-n <count>] | -f <name> <item>", "s <count> and <name> must not be set together"},
       {both, {"-n", "1"}, "{{[-n <count>] <item>} | -f <name>}", "s <count> and <item> must be set together"},
-      {merge, {"-q"}, "{[-n <count>] <item>} -f <name>", "s <> and <> must be set together"}};
+      {merge, {"-q"}, "{[-n <count>] <item>} -f <name>", "s <> and <> must be set together"},
+      {join, {"-w", "-n", "1", "x"}, "{[-n <count>] <item>} -f <name>", "s <> and <> must be set together"}};
   for (const auto& [change, words, line, reason] : rows) {
     expect_exit([&run = change, &given = words] { read(given, run); }, 1,
                 std::string("usage: prog [-qwS] ") + line + "\nerror: argument" + reason + "\n");
@@ -123,7 +125,7 @@ TEST(Arguments, NumbersMustFitTheirTypes) {
   EXPECT_STREQ(word, "word");
   std::uint64_t untouched = 0;
   for (const std::int16_t type : std::to_array<std::int16_t>({0, 9})) {
-    EXPECT_EQ(arg_set_var("1", &untouched, type), 0) << type;
+    EXPECT_EQ(arg_set_var("1", &untouched, type), 0) << "type " << type;
   }
   for (const auto& [type, accepted, rejected, stored] : rows) {
     std::uint64_t target = 0;

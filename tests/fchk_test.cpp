@@ -152,9 +152,11 @@ TEST(Reorder, AbsentArraysEndTheRun) {
   Atom atom{};
   molecule.atom_count = molecule.primitive_count = molecule.shell_count = 1;
   molecule.basis_count = 4, molecule.atoms = &atom;
-  for (unsigned absent = 0; absent < 6; ++absent) {
-    ShellTable shells = {types, ones, ones, reals, reals, reals};
-    std::memset(reinterpret_cast<char*>(&shells) + absent * sizeof(void*), 0, sizeof(void*));
+  std::array<ShellTable, 6> tables;
+  tables.fill({types, ones, ones, reals, reals, reals});
+  tables[0].types = nullptr, tables[1].atom_map = tables[2].primitive_counts = nullptr;
+  tables[3].sp_coefficients = tables[4].coefficients = tables[5].exponents = nullptr;
+  for (ShellTable& shells : tables) {
     expect_error([&] { reorder_basis(&molecule, &shells); }, "wrong base reorder - missing array");
   }
 }

@@ -4,6 +4,7 @@
 #include "eval.hpp"
 #include "fcheck.hpp"
 #include "occupation.hpp"
+#include "rows_bound.hpp"
 #include "small_files.hpp"
 
 namespace {
@@ -35,6 +36,9 @@ Numbers exact_values(const Molecule& molecule, const double* point, SweepField f
 
 struct Found {
   unsigned known = 0, unknown = 0, other_text = 0;
+  double error = 0.0;      // the largest, relatively
+  double share = 0.0;      // of a tolerance that is an error
+  double tolerance = 0.0;  // the largest
 };
 
 // No value may lie farther from the exact one than its tolerance tells.
@@ -50,10 +54,14 @@ void expect_within_tolerance(const Molecule& molecule, const CubeDefinition& cub
     const Numbers exact = exact_values(molecule, point, field, orbitals);
     for (std::size_t f = 0; f < exact.size(); ++f) {
       const double value = rows->field(f)[k], tolerance = rows->tolerances(f)[k];
+      const double error = std::fabs(value - exact[f]) / std::fabs(value);
       if (tolerance < 1e-7) {
         ASSERT_LE(std::fabs(value - exact[f]), tolerance * std::fabs(value))
             << "field " << f << " at " << point[0] << ' ' << point[1] << ' ' << point[2];
+        found->share = std::max(found->share, error / tolerance);
       }
+      found->error = std::max(found->error, error);
+      found->tolerance = std::max(found->tolerance, tolerance);
       ++(tolerance < 1e-7 ? found->known : found->unknown);
       found->other_text += formatted("%13.5e", value) != formatted("%13.5e", exact[f]) ? 1 : 0;
     }
@@ -74,14 +82,48 @@ SmallFchk strained(std::mt19937_64& random) {
     fields.shells.push_back({type, atom, {a, exponent(), exponent()}, {c, number(), number()}, {}});
     fields.shells.push_back({type, atom, {a, a * (1.0 + 1e-7)}, {c, -c}, {}});
     fields.shells.push_back({type, atom, {std::pow(10.0, number())}, {number()}, {}});
-    fields.shells.push_back({0, atom, {2.0, 0.5}, {1.0, 1.0 + 1e-9 * i}, {}});  // no multiples, but nearly
-    fields.shells.push_back({0, 2, {0.3}, {std::pow(1e3, i % 3)}, {}});         // multiples
+    fields.shells.push_back({0, atom, {2.0, 0.5}, {1.0, 1.0 + 1e-11 * i}, {}});  // no multiples, but nearly
+    fields.shells.push_back({0, 2, {0.3}, {std::pow(1e3, i % 3)}, {}});          // multiples
   }
   fields.coefficient = [seed = random()](unsigned i, unsigned j) {
     std::mt19937_64 generator(seed + 1000UL * i + j);
     return std::uniform_real_distribution(-1.0, 1.0)(generator) * (i < 12 ? 1.0 : 1e4);
   };
   return fields;
+}
+
+// A function, and its coefficient in an orbital.
+struct Part {
+  int type, component;
+  Numbers exponents, contraction;
+  double coefficient;
+};
+
+// The same of an orbital in memory: a file that has thousands of functions would be large.
+Found find_in_orbital(std::vector<Part> parts, const CubeDefinition& cube,
+                      const std::vector<SweepField>& fields) {
+  Atom atom{};
+  std::vector<BasisFunction> functions;
+  Numbers coefficients;
+  for (Part& part : parts) {
+    const auto type = static_cast<short>(part.type), component = static_cast<short>(part.component);
+    const auto count = static_cast<unsigned>(part.exponents.size());
+    functions.push_back(
+        {type, component, type, count, 0, part.exponents.data(), part.contraction.data(), &atom});
+    coefficients.push_back(part.coefficient);
+  }
+  Molecule molecule{};
+  Orbital orbital = {-1.0, coefficients.data(), 0.0};
+  molecule.atoms = &atom, molecule.basis = functions.data(), molecule.alpha_orbitals = &orbital;
+  molecule.basis_count = static_cast<unsigned>(functions.size());
+  molecule.atom_count = 1, molecule.electron_count = 2, inp_rest_scf = 1;
+  Found found;
+  with_every_kernel([&](const char*) {
+    for (const SweepField field : fields) {
+      expect_within_tolerance(molecule, cube, field, {&orbital}, &found);
+    }
+  });
+  return found;
 }
 
 CubeDefinition random_grid(std::mt19937_64& random) {
@@ -101,13 +143,8 @@ CubeDefinition random_grid(std::mt19937_64& random) {
 TEST(Rows, KeepWithinTheirTolerance) {
   std::mt19937_64 random(11);
   Found found;
-  for (int trial = 0; trial < 8; ++trial) {
-    SmallFchk fields = strained(random);
-    if (trial < 3) {  // so little to add up that the rounding of large arguments shows
-      fields.shells = {{1, 1, {10.0}, {1e-307}, {}}, {1, 1, {10.0}, {1.0}, {}}};
-      fields.electrons = 2;
-    }
-    const auto molecule = read_text(fcheck_read, fchk_text(fields));
+  for (int trial = 0; trial < 5; ++trial) {
+    const auto molecule = read_text(fcheck_read, fchk_text(strained(random)));
     const CubeDefinition cube = random_grid(random);
     Orbitals all;
     for (unsigned i = 0; i < molecule->alpha_orbital_count; ++i) {
@@ -130,29 +167,107 @@ TEST(Rows, KeepWithinTheirTolerance) {
   EXPECT_GT(found.known, 5 * found.unknown);
 }
 
-// Many functions, each too small to be kept, which together are more than all rounding; also in an orbital
-// that counts for the potential only.
-TEST(Rows, CountWhatTheyLeaveOut) {
+// Many functions, each too small to be kept, which together are more than all rounding, in an orbital that
+// counts for the potential only.
+TEST(Rows, CountWhatTheyLeaveOutOfThePotential) {
   SmallFchk fields;
   for (unsigned i = 0; i < 300; ++i) {
     fields.shells.push_back({0, 1, {1.0 + 0.001 * i}, {1.0}, {}});
   }
-  for (const auto& row : {std::pair{1e-14, -1.0}, {5e-13, -1.0}, {3e-15, -1.0}, {1e-14, -1e20}}) {
-    const double small = row.first, energy = row.second;
-    fields.coefficient = [&](unsigned i, unsigned j) {
-      return j >= 5 ? small : i == 0 || energy == -1.0 ? 1.0 : 0.0;
-    };
-    fields.energy = [&](unsigned i) { return i == 0 ? -1e-3 : energy; };
-    const auto molecule = read_text(fcheck_read, fchk_text(fields));
-    const CubeDefinition cube = {{1, 1, 40}, {{0.1, 0.2, -2}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.1}}};
-    with_every_kernel([&](const char*) {
-      Found found;
-      expect_within_tolerance(*molecule, cube, SweepField::orbital, {molecule->alpha_orbitals}, &found);
-      EXPECT_EQ(found.unknown, 0U);
-      expect_within_tolerance(*molecule, cube, SweepField::density_and_potential,
-                              occupation_of(molecule.get()).orbitals, &found);
-    });
+  fields.coefficient = [](unsigned i, unsigned j) { return j >= 5 ? 1e-14 : i == 0 ? 1.0 : 0.0; };
+  fields.energy = [](unsigned i) { return i == 0 ? -1e-3 : -1e20; };
+  const auto molecule = read_text(fcheck_read, fchk_text(fields));
+  const CubeDefinition cube = {{1, 1, 40}, {{0.1, 0.2, -2}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.1}}};
+  with_every_kernel([&](const char*) {
+    Found found;
+    expect_within_tolerance(*molecule, cube, SweepField::density_and_potential,
+                            occupation_of(molecule.get()).orbitals, &found);
+  });
+}
+
+// Sums in which all roundings of one kind go the same way. What is added to a large number is just below or
+// above half a unit of its last place, by how far the number is from a power of two: each point has its own.
+TEST(Rows, CountTheRoundingsOfSums) {
+  constexpr std::size_t many = 2000;
+  constexpr double below_half = 0.98 * rows_unit, above_half = 1.02 * rows_unit;
+  const Part large = {0, 0, {1.0}, {1.0}, 1.0};
+  const auto followed_by = [&](auto small) {
+    std::vector<Part> parts = {large};
+    for (std::size_t i = 0; i < many; ++i) {
+      parts.push_back(small(0.001 * static_cast<double>(i)));
+    }
+    return parts;
+  };
+  // Their second primitive, which comes to nothing, makes each function a radial of its own.
+  const auto own_radial = [](int type, double coefficient) {
+    return [=](double distinct) { return Part{type, 0, {1.0, 2.0 + distinct}, {1.0, 1e-30}, coefficient}; };
+  };
+  Part long_contraction = {0, 0, Numbers(many, 1.0), Numbers(many, below_half), 1.0};
+  long_contraction.contraction[0] = 1.0;
+  // Small, where many terms are just out of reach.
+  std::vector<Part> far_away = followed_by(own_radial(0, 1.0));
+  far_away[0] = {0, 0, {0.01}, {1.0}, 1e-12};
+  const std::tuple<const char*, std::vector<Part>, double, double> rows[] = {
+      {"primitives", {long_contraction}, 0.1, 0.4},
+      {"functions, multiples", followed_by([](double) {
+         return Part{0, 0, {1.0}, {1.0}, below_half};
+       }),
+       0.1, 0.8},
+      {"row functions", followed_by(own_radial(-4, 1e-10)), 0.1, 0.2},
+      {"left out", followed_by(own_radial(0, above_half)), 0.1, 0.8},
+      {"out of reach", far_away, 8.0, 0.001},
+      {"near multiples", {{0, 0, {2, 1}, {1, 1}, 1}, {0, 0, {2, 1}, {1, 1 + 1e-11}, 1}}, 0.1, 0.0}};
+  for (const auto& [name, parts, x, share] : rows) {
+    SCOPED_TRACE(name);
+    const CubeDefinition cube = {{1, 1, 200}, {{x, 0.2, 0.3}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.01}}};
+    const Found found = find_in_orbital(
+        parts, cube, {SweepField::orbital, SweepField::orbital_density, SweepField::density_and_potential});
+    EXPECT_GT(found.share, share) << "no strain";
+    EXPECT_LT(found.tolerance, x < 1.0 ? 2e-11 : 1e-7);
   }
+}
+
+// The larger an argument, the larger is the error of its exponential. Of many points, that one is taken where
+// the sweeps' arguments differ most; for it to be above all else in the bound, coefficients are huge.
+TEST(Rows, BoundWhatLargeArgumentsErr) {
+  std::mt19937_64 random(13);
+  const auto just_above = [&](double number) {
+    return number * std::uniform_real_distribution(1.0, 1.001)(random);
+  };
+  const std::tuple<const char*, double, Part, double> rows[] = {
+      {"arguments", 35.0, {0, 0, {}, {1.0}, 1e10}, 112.5 * rows_unit},
+      {"tail", 170.0, {4, 12, {}, {4e29}, 1e30}, 430.0 * rows_unit}};
+  for (const auto& [name, argument, part, least] : rows) {
+    SCOPED_TRACE(name);
+    CubeDefinition cube = {{1, 1, 16}, {}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.001}}};
+    Part worst = part;
+    for (double difference = 0.0, trial = 0.0; trial < 3e6; ++trial) {
+      const double x = just_above(8.0), y = just_above(8.0), z = just_above(std::sqrt(128.0));
+      const double exponent = just_above(argument / 256.0);
+      const long double by_rows =
+          static_cast<long double>(exponent * (x * x)) + exponent * (y * y) + exponent * (z * z);
+      const auto here = static_cast<double>(std::fabs(exponent * (x * x + y * y + z * z) - by_rows));
+      if (here > difference) {
+        difference = here;
+        worst.exponents = {exponent};
+        std::ranges::copy(std::array{x, y, z}, cube.points[0]);
+      }
+    }
+    EXPECT_GT(find_in_orbital({worst}, cube, {SweepField::orbital}).error, least) << "no strain";
+  }
+}
+
+TEST(Rows, ToleranceOfASumCoversTheRoundingsOfBoth) {
+  constexpr unsigned many = 2000;
+  const double half = std::sqrt(rows_unit);  // whose square is half a unit in the last place of 1
+  OccupiedSums<double> below, above;
+  below.add(1.0, 1.0, 1.0), above.add(1.0, 1.0, 1.0);
+  for (unsigned i = 0; i < many; ++i) {
+    below.add(half * (1.0 - 1e-9), 1.0, 1.0), above.add(half * (1.0 + 1e-9), 1.0, 1.0);
+  }
+  const double bound = std::sqrt(many) * 2e-9 * half;
+  EXPECT_LE(above.density - below.density, rows_sum_tolerance(bound, below.density, many + 1));
+  EXPECT_GT(above.density - below.density, 0.9 * rows_sum_tolerance(bound, below.density, many + 1));
 }
 
 // What counts for an orbital in one end of a row is not what counts in the other.
@@ -169,32 +284,27 @@ TEST(Rows, BoundOrbitalsInEachTile) {
   });
 }
 
-// A point of each grid is made to have a density, or an orbital a value, that is a tie of two texts.
+// A point of each grid is made to have a density that is a tie of two texts.
 TEST(Rows, LeaveTiesToTheExactSweep) {
   std::mt19937_64 random(12);
   Found found;
-  for (int trial = 0; trial < 40; ++trial) {
+  for (int trial = 0; trial < 25; ++trial) {
     SmallFchk fields = strained(random);
     CubeDefinition cube = random_grid(random);
     std::ranges::copy(std::array{1U, 1U, 16U}, cube.npoints);
-    const std::int16_t code = trial % 2 == 0 ? field_density_and_potential : field_alpha_orbital;
     double factor = 1.0;
     const auto made_up = fields.coefficient;
     fields.coefficient = [&](unsigned i, unsigned j) { return factor * made_up(i, j); };
-    const auto before = read_text(fcheck_read, fchk_text(fields));
-    const bool is_density = code == field_density_and_potential;
-    const SweepField field = is_density ? SweepField::density_and_potential : SweepField::orbital;
-    const auto orbitals = [&](const Molecule& of) {
-      return is_density ? occupation_of(&of).orbitals : Orbitals{of.alpha_orbitals};
-    };
-    const double value = exact_values(*before, cube.points[0], field, orbitals(*before))[0];
-    const double unit = std::pow(10.0, std::floor(std::log10(std::fabs(value))) - 5.0);
-    const double tie = (std::floor(value / unit) + 0.5) * unit;
-    factor = is_density ? std::sqrt(tie / value) : tie / value;
+    constexpr SweepField field = SweepField::density_and_potential;
+    const double value =
+        exact_values(*read_text(fcheck_read, fchk_text(fields)), cube.points[0], field, {})[0];
+    const double unit = std::pow(10.0, std::floor(std::log10(value)) - 5.0);
+    factor = std::sqrt((std::floor(value / unit) + 0.5) * unit / value);
     const auto molecule = read_text(fcheck_read, fchk_text(fields));
     with_every_kernel([&](const char*) {
-      EXPECT_EQ(text_of_sweep(*molecule, cube, code, 1), text_of_points(*molecule, cube, code, 1));
-      expect_within_tolerance(*molecule, cube, field, orbitals(*molecule), &found);
+      EXPECT_EQ(text_of_sweep(*molecule, cube, field_density_and_potential, 0),
+                text_of_points(*molecule, cube, field_density_and_potential, 0));
+      expect_within_tolerance(*molecule, cube, field, occupation_of(molecule.get()).orbitals, &found);
     });
   }
   EXPECT_GT(found.other_text, 5U) << "no tie was hard enough";
@@ -209,13 +319,14 @@ TEST(Rows, LeaveWhatIsOutOfTheOrdinaryToTheExactSweep) {
   };
   EXPECT_TRUE(is_taken({}, good));
   for (const double exponent : {0.0, -1.0, 1e-9, 1e11, HUGE_VAL, std::nan("")}) {
-    EXPECT_FALSE(is_taken({.shells = {{1, 1, {1.0, exponent}, {1.0, 1.0}, {}}}}, good)) << exponent;
+    EXPECT_FALSE(is_taken({.shells = {{1, 1, {1.0, exponent}, {1.0, 1.0}, {}}}}, good))
+        << "exponent " << exponent;
   }
   for (const double number : {1e31, -1e300, HUGE_VAL, std::nan("")}) {
-    EXPECT_FALSE(is_taken({.shells = {{1, 1, {1.0}, {number}, {}}}}, good)) << number;
+    EXPECT_FALSE(is_taken({.shells = {{1, 1, {1.0}, {number}, {}}}}, good)) << "number " << number;
     EXPECT_FALSE(
         is_taken({.coefficient = [&](unsigned, unsigned j) { return j == 2 ? number : 0.5; }}, good));
-    EXPECT_FALSE(is_taken({.energy = [&](unsigned) { return number; }}, good)) << number;
+    EXPECT_FALSE(is_taken({.energy = [&](unsigned) { return number; }}, good)) << "number " << number;
   }
   EXPECT_FALSE(is_taken({.electrons = 1}, good)) << "nothing is occupied";
   const std::pair<const char*, CubeDefinition> grids[] = {

@@ -30,12 +30,13 @@ const CubeDefinition grids[] = {
 
 void expect_same_text(const Molecule& molecule) {
   for (const CubeDefinition& cube : grids) {
-    for (const std::int16_t code : std::to_array<std::int16_t>({10, 42, 50, 63, 101, 201})) {
-      if (code == 201 && molecule.beta_orbitals == nullptr) {
+    for (const auto& [code, title, is_orbital] : cube_fields) {
+      if (code == field_beta_orbital && molecule.beta_orbitals == nullptr) {
         continue;
       }
       constexpr std::int16_t orbital = 7;
-      EXPECT_EQ(text_of_sweep(molecule, cube, code, orbital), text_of_points(molecule, cube, code, orbital));
+      EXPECT_EQ(text_of_sweep(molecule, cube, code, orbital), text_of_points(molecule, cube, code, orbital))
+          << title;
     }
   }
 }
@@ -75,7 +76,7 @@ void expect_every_bit(const Molecule& molecule, const std::vector<CubeDefinition
           eval_bfce_vec(&molecule, point, functions.data());
           for (unsigned b = 0; b < n; ++b) {
             ASSERT_EQ(pattern(sweep.field(b)[p]), pattern(eval_mo(&orbitals[b], functions.data(), n)))
-                << b << " at " << point[0] << ' ' << point[1] << ' ' << point[2];
+                << "function " << b << " at " << point[0] << ' ' << point[1] << ' ' << point[2];
           }
         }
         count = 0;
@@ -175,6 +176,12 @@ TEST(Sweep, GivesEveryBitInWhateverOrderTheFunctionsStand) {
   const auto molecule = read_text(fcheck_read, fchk_text(fields));
   const std::span functions(molecule->basis, molecule->basis_count);
   const auto expect = [&] { expect_every_bit(*molecule, {grids[0]}); };
+  const std::vector<BasisFunction> in_order(functions.begin(), functions.end());
+  for (unsigned i = 0; i < 6; ++i) {  // x, x, y, y, z, z of two atoms
+    functions[i] = in_order[i % 2 * 3 + i / 2];
+  }
+  expect();
+  std::ranges::copy(in_order, functions.begin());
   for (unsigned turn = 0; turn < 4; ++turn) {  // of the y functions among the p shells
     expect();
     for (unsigned shell = 0; shell < 4; ++shell) {
@@ -201,7 +208,8 @@ TEST(Sweep, MemoryLimitsTheOrbitalsOfABlock) {
       {{1, 1, 1}, 1U << 17, 23}, {{1, 1, 1}, 1677720, 2}, {{1, 1, 1}, 1677721, 0}};
   for (const auto& [npoints, basis_count, orbital_count] : rows) {
     const CubeDefinition shape = {{npoints[0], npoints[1], npoints[2]}, {}, {}};
-    EXPECT_EQ(comp_orbital_alloc(&shape, 230, basis_count).orbital_count, orbital_count) << basis_count;
+    EXPECT_EQ(comp_orbital_alloc(&shape, 230, basis_count).orbital_count, orbital_count)
+        << basis_count << " functions";
   }
 }
 
@@ -232,7 +240,7 @@ TEST(ScientificText, IsSureWhereTheWholeToleranceHasOneText) {
   const std::pair<double, double> rows[] = {{1.5e-251, 0.0}, {0.0, 0.0}, {inf, 0.0}, {nan, 0.0},
                                             {1.5, 1.1e-7},   {1.5, inf}, {1.5, nan}};
   for (const auto& [value, tolerance] : rows) {
-    EXPECT_FALSE(str_scientific_sure(value, tolerance, text)) << value << ' ' << tolerance;
+    EXPECT_FALSE(str_scientific_sure(value, tolerance, text)) << value << " within " << tolerance;
   }
 }
 

@@ -40,7 +40,8 @@ inline CubeTexts text_of_sweep(const Molecule& molecule, const CubeDefinition& c
   CubeTexts texts;
   texts[0] = written([&](std::FILE* first) {
     texts[1] = written([&](std::FILE* second) {
-      comp_data(&molecule, &cube, code, orbital, first, code == 50 ? second : nullptr);
+      comp_data(&molecule, &cube, code, orbital, first,
+                code == field_density_and_potential ? second : nullptr);
     });
   });
   return texts;
@@ -72,8 +73,8 @@ inline CubeTexts text_of_points(const Molecule& molecule, const CubeDefinition& 
     double value[2];
     comp_point_value(&molecule, point, code, orbital, &value[0], &value[1]);
     const char* end = k % 6 == 5 || k + 1 == cube.npoints[2] ? "\n" : "";
-    texts[0] += formatted("%13.5e", value[code == 63]) + end;
-    texts[1] += code == 50 ? formatted("%13.5e", value[1]) + end : "";
+    texts[0] += formatted("%13.5e", value[code == field_potential]) + end;
+    texts[1] += code == field_density_and_potential ? formatted("%13.5e", value[1]) + end : "";
   });
   vec_ffree(comp_bfce_vec);
   return texts;

@@ -37,6 +37,21 @@ TEST(Wfn, BlocksOfSeveralLinesAreReadAsWritten) {
   EXPECT_EQ(wfn_text(*read_wfn(dos)), text);
 }
 
+// Each number begins in its column, or the one before has a digit.
+TEST(Wfn, NumbersBeginInTheirColumns) {
+  const std::string text = wfn_text(*read_text(fcheck_read, fchk_text()));
+  const std::pair<std::string, std::string> changes[] = {
+      {"GAUSSIAN         2", "GAUSSIAN    92    "},
+      {"ORBITALS         14", "ORBITALS     914   "},
+      {"PRIMITIVES       2", "PRIMITIVES 92      "},
+      {"  Li                      0", "  Li                   9  0"},
+      {"MO  OCC NO = 2.0", "MO  OCC NO = 2.0"},
+      {" -2.0000000000000000E+00", "9-2.0000000000000000E+00"}};
+  for (const auto& [from, to] : changes) {
+    EXPECT_EQ(wfn_text(*read_wfn(broken(text, from, to))), text) << to;
+  }
+}
+
 TEST(Wfn, LargeCountsAreDoubtedByWhatTheFileHolds) {
   const std::tuple<unsigned, unsigned, std::uint64_t, std::string, std::string> rows[] = {
       {1, 2, 300000, "nuclei", "cannot read atom symbol"},
