@@ -113,6 +113,7 @@ void turn_nothing(Functions, Orbitals) {}
 
 // What the norms would be after each of the turns, one set behind the other. At most one turn may change
 // functions.
+// None if it would take too long.
 std::vector<double> norms_after(std::initializer_list<Turn> turns, const Molecule* molecule,
                                 std::span<const Orbital* const> orbitals) {
   std::vector<BasisFunction> functions(molecule->basis, molecule->basis + molecule->basis_count);
@@ -128,7 +129,7 @@ std::vector<double> norms_after(std::initializer_list<Turn> turns, const Molecul
   }
   Molecule turned = *molecule;
   turned.basis = functions.data();
-  return overlap_norms(&turned, copies);
+  return overlap_norms(&turned, copies).value_or(std::vector<double>());
 }
 
 // Occupied orbitals, spread evenly, the first among them.
@@ -150,10 +151,18 @@ std::string name_of(const Orbital* orbital, const Molecule* molecule) {
                                  : "beta orbital " + std::to_string(orbital - molecule->beta_orbitals + 1);
 }
 
+void tell_if_unknown(std::span<const double> norms, std::span<const Orbital* const> sample) {
+  if (norms.size() < sample.size()) {
+    msg_tell("too many primitives to look at the norms of orbitals%s",
+             conf_input_convention == 0 ? "; perhaps INPUT_CONVENTION 1 is meant" : "");
+  }
+}
+
 // The first orbital whose norm shows that the file is meant otherwise.
 void tell_if_other(const Molecule* molecule, std::span<const Orbital* const> sample,
                    std::span<const double> norms, std::span<const double> others) {
-  for (std::size_t i = 0; i < norms.size(); ++i) {
+  tell_if_unknown(norms, sample);
+  for (std::size_t i = 0; i < std::min(norms.size(), others.size()); ++i) {
     const double error = std::fabs(norms[i] - 1.0);
     if (error > norm_is_other && 10.0 * std::fabs(others[i] - 1.0) < error) {
       msg_tell("%s has the norm %.4f, with INPUT_CONVENTION 1 it has %.4f",
@@ -166,6 +175,7 @@ void tell_if_other(const Molecule* molecule, std::span<const Orbital* const> sam
 void tell_if_wrong(const Molecule* molecule) {
   const std::vector<const Orbital*> sample = sample_of(molecule);
   const std::vector<double> norms = norms_after({turn_nothing}, molecule, sample);
+  tell_if_unknown(norms, sample);
   const auto wrong =
       std::ranges::find_if(norms, [](double norm) { return !(std::fabs(norm - 1.0) <= norm_is_wrong); });
   if (wrong != norms.end()) {
@@ -293,8 +303,9 @@ void convention_tell_format(std::string_view beginning) {
 void convention_settle_wfn(Molecule* molecule) {
   if (conf_input_convention == 0) {
     const std::vector<const Orbital*> sample = sample_of(molecule);
-    tell_if_other(molecule, sample, norms_after({turn_nothing}, molecule, sample),
-                  norms_after({turn_wfn}, molecule, sample));
+    const std::vector<double> others = norms_after({turn_wfn}, molecule, sample);
+    tell_if_other(molecule, sample, others.empty() ? others : norms_after({turn_nothing}, molecule, sample),
+                  others);
     return;
   }
   settle_occupations(molecule);

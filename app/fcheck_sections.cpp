@@ -307,10 +307,18 @@ void settle_length(FchkInput& input, const Section& section) {
 // Where functions were removed, the values that are missing end the run.
 void tell_length(FchkInput& input, const Section& section) {
   const auto length = announced_length(input.line.data(), section);
-  if (section.allocate == allocate_alpha && length &&
-      *length < section.values(*input.molecule, input.molecule->*section.count)) {
+  const std::uint64_t of_record = section.values(*input.molecule, 1);
+  if (section.allocate == allocate_alpha && length && of_record > 0 && *length % of_record == 0 &&
+      *length < of_record * input.molecule->alpha_orbital_count) {
     msg_tell("the fchk file has fewer orbitals than basis functions; INPUT_CONVENTION 1 reads it");
   }
+}
+
+// Whether there is an array of so many records.
+bool has_array_of(FchkInput& input, unsigned Molecule::*count) {
+  return std::ranges::any_of(sections, [&](const Section& section) {
+    return section.is_array() && section.count == count && state_of(input, section) != FchkState::absent;
+  });
 }
 
 bool is_needed(Need need, FchkInput& input) {
@@ -374,6 +382,9 @@ void fcheck_check_sections(FchkInput& input) {
     const bool may_be_empty = conf_input_convention == 0 || input.knows(section.count);
     if (!is_there && (section.has_values(*input.molecule) || !may_be_empty) &&
         is_needed(section.need, input)) {
+      if (conf_input_convention == 0 && section.take == take_count && has_array_of(input, section.count)) {
+        msg_tell("the fchk file lacks a count that follows from its arrays; INPUT_CONVENTION 1 reads it");
+      }
       fail("missing section", section);
     }
   }

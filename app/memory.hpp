@@ -67,7 +67,7 @@ void mem_alloc_orbitals(Molecule* molecule);
 /// former.
 void mem_alloc_listed_orbitals(Molecule* molecule, unsigned listed);
 
-/// `count` orbitals of one spin.
+/// The same for `count` orbitals of one spin, which is then their number.
 void mem_alloc_alpha_orbitals(Molecule* molecule, unsigned count);
 void mem_alloc_beta_orbitals(Molecule* molecule, unsigned count);
 

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr double pairs_max = 1e8;      // of primitives
+constexpr double work_max = 3e8;       // in products of numbers, about
 constexpr double argument_max = 25.0;  // exp(-25) is 1e-11
 
 using Powers = std::array<unsigned char, 3>;
@@ -136,6 +136,7 @@ class NormSums {
   // `times` is 2 for a pair that stands for itself and its mirror.
   void add(const Group& a, const Group& b, double times) {
     double distance2 = 0.0;
+    work_ += 4.0;
     for (unsigned c = 0; c < 3; ++c) {
       distance2 += (a.centre[c] - b.centre[c]) * (a.centre[c] - b.centre[c]);
     }
@@ -143,6 +144,12 @@ class NormSums {
       return alpha * beta * distance2 > argument_max * (alpha + beta);
     };
     if (is_far(a.exponent_min, b.exponent_min)) {
+      return;
+    }
+    const double integral_count = static_cast<double>(a.powers.size() * b.powers.size());
+    work_ += 1.0 * a.primitive_count * b.primitive_count * (20.0 + 3.0 * integral_count) +
+             integral_count * static_cast<double>(sums_.size());
+    if (is_too_much()) {
       return;
     }
     integrals_.assign(a.powers.size() * b.powers.size(), 0.0);
@@ -155,6 +162,8 @@ class NormSums {
     }
     contract(a, b, times);
   }
+
+  bool is_too_much() const { return work_ > work_max; }
 
   const std::vector<double>& sums() const { return sums_; }
 
@@ -193,24 +202,22 @@ class NormSums {
   }
 
   std::vector<double> sums_, row_, integrals_;
+  double work_ = 0.0;
 };
 
 }  // namespace
 
-std::vector<double> overlap_norms(const Molecule* molecule, std::span<const Orbital> orbitals) {
+std::optional<std::vector<double>> overlap_norms(const Molecule* molecule,
+                                                 std::span<const Orbital> orbitals) {
   const std::vector<Group> groups = make_groups(molecule, orbitals);
-  double primitive_count = 0.0;
-  for (const Group& group : groups) {
-    primitive_count += group.primitive_count;
-  }
-  if (primitive_count * primitive_count / 2.0 > pairs_max) {
-    return {};
-  }
   NormSums norms(orbitals.size());
   for (std::size_t a = 0; a < groups.size(); ++a) {
     norms.add(groups[a], groups[a], 1.0);
     for (std::size_t b = 0; b < a; ++b) {
       norms.add(groups[a], groups[b], 2.0);
+    }
+    if (norms.is_too_much()) {
+      return std::nullopt;
     }
   }
   return norms.sums();

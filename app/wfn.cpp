@@ -77,6 +77,9 @@ unsigned read_unsigned(Reader& reader) {
   return value;
 }
 
+// For what may end the run, though other programs write it so.
+void tell_dialect(const char* what) { msg_tell("%s; INPUT_CONVENTION 1 reads that", what); }
+
 template <class Number, class ReadValue>
 void read_block(Number* values, unsigned count, unsigned per_line, unsigned label_width, Reader& reader,
                 ReadValue read_value) {
@@ -106,11 +109,15 @@ void set_type(BasisFunction& function, unsigned type_number) {
 
 void read_counts(Molecule* molecule, Reader& reader) {
   const Line line = read_line(reader, "unexpected end of WFN file while reading number of electrons");
+  if (!wfn_has_counts(line.data()) && wfn_has_counts(reader.at_hand())) {
+    tell_dialect("the WFN file has its counts behind the second line");
+  }
   const unsigned orbital_count = read_count(line, orbital_count_column, "cannot read number of orbitals");
   molecule->basis_count = read_count(line, primitive_count_column, "cannot read number of primitives");
   molecule->atom_count = read_count(line, nucleus_count_column, "cannot read number of nuclei");
 
   if (orbital_count > molecule->basis_count) {
+    tell_dialect("the WFN file has more orbitals than primitives");
     msg_fatal("number of orbitals exceeds number of primitives in WFN file");
   }
   if (!reader.may_hold(std::uint64_t{4} * molecule->atom_count)) {  // the symbol and coordinates
@@ -121,6 +128,9 @@ void read_counts(Molecule* molecule, Reader& reader) {
   if (orbital_count > std::numeric_limits<unsigned>::max() / 2 ||
       !reader.may_hold(std::uint64_t{molecule->basis_count} * (std::uint64_t{orbital_count} + 3))) {
     msg_fatal("invalid count in WFN file - number of orbitals or primitives");
+  }
+  if (molecule->atom_count > 99 && molecule->atom_count < 1000) {
+    tell_dialect("columns of the WFN file may touch, as it has more than 99 nuclei");
   }
   molecule->electron_count = 2 * orbital_count;
 }
@@ -134,7 +144,7 @@ void wfn_read(Molecule* molecule) {
   const Line line = read_line(reader, "unexpected end of WFN file while reading comment line");
   inp_rest_scf = 1;
   if (conf_input_convention != 0) {
-    if (std::strstr(line.data(), wfn_counts_label) == nullptr) {
+    if (!wfn_has_counts(line.data())) {
       str_ctrim(line.data(), molecule->title);
     }
     wfn_dialect_read(molecule, line.data(), reader);
@@ -255,6 +265,7 @@ void wfn_read_orbitals(Molecule* molecule, Reader& reader) {
   }
   // The last number needs a line end behind it: it may have been cut off.
   if (orbital_count > 0 && reader.is_at_end()) {
+    tell_dialect("the WFN file ends with its last number");
     msg_fatal(no_coefficient);
   }
 }

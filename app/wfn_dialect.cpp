@@ -26,6 +26,9 @@ constexpr const char* no_coefficient = "cannot read molecular orbital coefficien
 
 constexpr std::string_view blanks = " \t\r";
 
+// What stands behind each count.
+constexpr std::array<std::string_view, 3> count_labels = {"MOL ORBITALS", "PRIMITIVES", "NUCLEI"};
+
 // A line without its end. What is longer than any program writes is cut, and fails where it is read.
 struct Line {
   std::array<char, 4096> text;
@@ -155,9 +158,9 @@ unsigned count_before(std::string_view line, std::string_view label, const char*
 
 // Returns the number of orbitals.
 unsigned read_counts(Molecule* molecule, std::string_view line, Reader& reader) {
-  const unsigned orbital_count = count_before(line, wfn_counts_label, "cannot read number of orbitals");
-  molecule->basis_count = count_before(line, "PRIMITIVES", "cannot read number of primitives");
-  molecule->atom_count = count_before(line, "NUCLEI", "cannot read number of nuclei");
+  const unsigned orbital_count = count_before(line, count_labels[0], "cannot read number of orbitals");
+  molecule->basis_count = count_before(line, count_labels[1], "cannot read number of primitives");
+  molecule->atom_count = count_before(line, count_labels[2], "cannot read number of nuclei");
   if (!reader.may_hold(std::uint64_t{4} * molecule->atom_count)) {  // the symbol and coordinates
     msg_fatal("invalid count in WFN file - number of nuclei");
   }
@@ -251,7 +254,7 @@ void read_orbital(Orbital* orbital, unsigned basis_count, Reader& reader) {
 void wfn_dialect_read(Molecule* molecule, const char* first_line, Reader& reader) {
   Line line = {};
   std::string_view text = first_line;
-  while (text.find(wfn_counts_label) == text.npos) {
+  while (!wfn_has_counts(text)) {
     if (!line.read(reader)) {
       msg_fatal("unexpected end of WFN file while reading number of electrons");
     }
@@ -264,6 +267,11 @@ void wfn_dialect_read(Molecule* molecule, const char* first_line, Reader& reader
   for (unsigned i = 0; i < orbital_count; ++i) {
     read_orbital(&molecule->alpha_orbitals[i], molecule->basis_count, reader);
   }
+}
+
+bool wfn_has_counts(std::string_view line) {
+  return std::ranges::all_of(count_labels,
+                             [&](std::string_view label) { return line.find(label) != line.npos; });
 }
 
 bool wfn_header_value(std::string_view header, std::string_view label, double* value) {

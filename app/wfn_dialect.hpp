@@ -7,7 +7,8 @@ struct Molecule;
 
 // WFN files in the dialects of the programs that write them: INPUT_CONVENTION 1.
 
-inline constexpr const char* wfn_counts_label = "MOL ORBITALS";
+/// Whether a line is that of the counts, which may stand anywhere in front of the atoms.
+bool wfn_has_counts(std::string_view line);
 
 /// Fills a molecule from what stands behind the title, each orbital with its occupation; coefficients are
 /// left as they are. `first_line` is the title, or already the line of the counts. Whatever is missing, cut

@@ -81,7 +81,7 @@ std::string contents(const Molecule& molecule) {
 }
 
 Numbers norms_of(const Molecule& molecule) {
-  return overlap_norms(&molecule, {molecule.alpha_orbitals, molecule.alpha_orbital_count});
+  return overlap_norms(&molecule, {molecule.alpha_orbitals, molecule.alpha_orbital_count}).value();
 }
 
 double orbital_at(const Molecule& molecule, unsigned number, const double* point) {
@@ -222,6 +222,27 @@ TEST(Convention, OccupationsWeighOrbitalsInTheSumsOnly) {
       }
     });
   }
+}
+
+TEST(Convention, AWfnFileHasTheFieldsOfTheCheckpointFileThatItWasMadeFrom) {
+  const Convention as_written(1);
+  const auto fields_at = [](const Molecule& molecule, const double* point) {
+    Numbers values(molecule.basis_count);
+    eval_bfce_vec(&molecule, point, values.data());
+    std::pair<double, double> fields;
+    eval_orva(&molecule, values.data(), &fields.first, &fields.second);
+    return fields;
+  };
+  const CubeDefinition cube = {{5, 5, 5}, {{-3, -3, -3}}, {{1.4, 0, 0}, {0, 1.4, 0}, {0, 0, 1.4}}};
+  std::vector<std::pair<double, double>> expected;
+  const auto checkpoint = read_text(fcheck_read, read_file(ORVA_EXAMPLES "/water_cation.fchk"));
+  for_each_point(cube, [&](const double* at, unsigned) { expected.push_back(fields_at(*checkpoint, at)); });
+  const auto wfn = read_text(wfn_read, read_file(ORVA_EXAMPLES "/water_cation.wfn"));
+  for_each_point(cube, [&, next = expected.begin()](const double* at, unsigned) mutable {
+    const auto [density, potential] = fields_at(*wfn, at);
+    EXPECT_NEAR(density, next->first, 1e-6 * density);
+    EXPECT_NEAR(potential, next++->second, 1e-6);
+  });
 }
 
 // Without a single doubt: the exact sweep would take most of the time.
@@ -428,6 +449,9 @@ TEST(Convention, WhatLooksWrongInACheckpointFileIsTold) {
             "orbital 2 has the norm 0.9428, with INPUT_CONVENTION 1 it has 1.0000\n");
   fields.shells[1].type = 4;
   EXPECT_EQ(told_of(fcheck_read, fchk_text(fields)), "");
+  fields.shells[1] = {4, 1, Numbers(1000, 0.9), Numbers(1000, 1.0), {}};
+  EXPECT_EQ(told_of(fcheck_read, fchk_text(fields)),
+            "too many primitives to look at the norms of orbitals; perhaps INPUT_CONVENTION 1 is meant\n");
 }
 
 TEST(Convention, AFileOfTheOtherFormatIsToldBeforeTheError) {
@@ -470,7 +494,7 @@ TEST(Convention, BadWfnFilesEndTheRun) {
       {"MOL ORB", "mol orb", "unexpected end of WFN file while reading number of electrons"},
       {"      2 MOL", "      x MOL", "cannot read number of orbitals"},
       {"5 PRIM", "PRIM", "cannot read number of primitives"},
-      {"2 NUCLEI", "2 NUCLEUS", "cannot read number of nuclei"},
+      {"2 NUCLEI", "x NUCLEI", "cannot read number of nuclei"},
       {"  2 NUCLEI", " 2000000 NUCLEI", "invalid count in WFN file - number of nuclei"},
       {"      2 MOL", "4000000 MOL", "invalid count in WFN file - number of orbitals or primitives"},
       {"  H ", {}, "unexpected end of WFN file while reading coordinates"},

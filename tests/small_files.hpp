@@ -205,14 +205,16 @@ inline std::string broken(std::string text, const std::string& from, const std::
   return to ? text.replace(place, from.size(), *to) : text.substr(0, place);
 }
 
-/// Breaks a text in each of the ways and reads it in a child process, which must end with the message.
-inline void expect_rejected(ReadInput read, const std::string& text, const std::vector<Breakage>& breakages) {
+/// Breaks a text in each of the ways and reads it in a child process, which must end with the message,
+/// perhaps behind a line that is told.
+inline void expect_rejected(ReadInput read, const std::string& text, const std::vector<Breakage>& breakages,
+                            const std::string& warning = "") {
   const Scratch scratch;
   for (const auto& [from, to, message] : breakages) {
     SCOPED_TRACE(from);
     set_input(scratch, broken(text, from, to));
     Molecule molecule{};
-    expect_error([&] { read(&molecule); }, message);
+    expect_exit([&] { read(&molecule); }, 1, warning + "error: " + message + "\n");
   }
 }
 

@@ -101,10 +101,22 @@ TEST(Wfn, BadFilesEndTheRun) {
       {"\nMO  OCC", {}, "unexpected end of WFN file while reading MO coefficients"},
       {"MO  OCC", {}, "unexpected end of file while reading molecular orbitals"},
       {" -2.0000000000000000E+00", "x", "cannot read molecular orbital energy"},
-      {"  2.5000000000000000E-01\nEND", {}, "cannot read molecular orbital coefficients"},
-      {"   2 MOL", "  15 MOL", "number of orbitals exceeds number of primitives in WFN file"},
       {"       2 NUCLEI", "       4294967295", "invalid count in WFN file - number of nuclei"},
       {"   14 PRIM", " 4000000000", "invalid count in WFN file - number of orbitals or primitives"},
   };
-  expect_rejected(wfn_read, wfn_text(*read_text(fcheck_read, fchk_text())), breakages);
+  const std::string text = wfn_text(*read_text(fcheck_read, fchk_text()));
+  expect_rejected(wfn_read, text, breakages);
+  // What other programs write is told.
+  const std::pair<std::string, Breakage> dialects[] = {
+      {"the WFN file has more orbitals than primitives",
+       {"   2 MOL", "  15 MOL", "number of orbitals exceeds number of primitives in WFN file"}},
+      {"the WFN file has its counts behind the second line",
+       {"\nGAUSSIAN", "\n\nGAUSSIAN", "cannot read number of orbitals"}},
+      {"columns of the WFN file may touch, as it has more than 99 nuclei",
+       {"    2 NUCLEI", "  100 NUCLEI", "cannot read atomic coordinates"}},
+      {"the WFN file ends with its last number",
+       {"\nEND", {}, "cannot read molecular orbital coefficients"}}};
+  for (const auto& [what, breakage] : dialects) {
+    expect_rejected(wfn_read, text, {breakage}, "warning: " + what + "; INPUT_CONVENTION 1 reads that\n");
+  }
 }
