@@ -313,10 +313,8 @@ void check_electrons(const Molecule& molecule) {
 }  // namespace
 
 std::vector<std::string_view> fcheck_labels() {
-  std::vector<std::string_view> labels;
-  for (const Section& section : sections) {
-    labels.emplace_back(section.label);
-  }
+  std::vector<std::string_view> labels(sections.size());
+  std::ranges::transform(sections, labels.begin(), &Section::label);
   return labels;
 }
 

@@ -230,7 +230,8 @@ TEST(Rows, BoundWhatLargeArgumentsErr) {
     SCOPED_TRACE(name);
     CubeDefinition cube = {{1, 1, 16}, {}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.001}}};
     Part worst = part;
-    for (double difference = 0.0, trial = 0.0; trial < 3e6; ++trial) {
+    double difference = 0.0;
+    for (int trial = 0; trial < 3000000; ++trial) {
       const double x = just_above(8.0), y = just_above(8.0), z = just_above(std::sqrt(128.0));
       const double exponent = just_above(argument / 256.0);
       const long double by_rows =
