@@ -391,9 +391,7 @@ void fcheck_check_sections(FchkInput& input) {
 }
 
 std::vector<std::string_view> fcheck_labels() {
-  std::vector<std::string_view> labels;
-  for (const Section& section : sections) {
-    labels.emplace_back(section.label);
-  }
+  std::vector<std::string_view> labels(sections.size());
+  std::ranges::transform(sections, labels.begin(), &Section::label);
   return labels;
 }

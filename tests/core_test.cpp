@@ -37,26 +37,14 @@ TEST(Message, HookRunsOncePerErrorAndNotWithinItself) {
 }
 
 TEST(File, FailuresGiveTheirReasons) {
-  const Scratch scratch;
-  const std::string directory = scratch.path(), endless(5000, 'x');
-  const std::tuple<std::string, const char*, const char*> rows[] = {
-      {directory + "/missing", " (no such file)", "no such file or directory"},
-      {"/dev/null/file", " (part of path is not a directory)", "not a directory"},
-      {directory + "/" + endless.substr(0, 256), " (too long name)", "too long name"}};
-  for (const auto& [path, of_remove, of_stat] : rows) {
-    struct stat status;
-    const std::string info = "cannot get info about " + path + " (" + of_stat + ")";
-    EXPECT_EQ(file_exist(path.c_str()), path == std::get<0>(rows[0]) ? 0 : 1) << of_remove;
-    expect_error([&path = path] { file_remove(path.c_str()); },
-                 ("cannot remove file " + path + of_remove).substr(0, 255));
-    expect_error([&, &path = path] { file_stat(path.c_str(), &status, 1); }, info.substr(0, 255));
-    int result = -1;
-    EXPECT_EQ(printed([&, &path = path] { result = file_stat(path.c_str(), &status, 0); }),
-              "error: " + info.substr(0, 255) + "\n");
-    EXPECT_EQ(result, 0) << of_stat;
-  }
-  expect_error([&] { file_remove(directory.c_str()); },
-               "cannot remove file " + directory + " (is a directory)");
+  const std::string endless(5000, 'x');
+  struct stat status;
+  EXPECT_EQ(std::pair(file_exist("missing"), file_exist("/dev/null/file")), std::pair(0, 1));
+  expect_error([] { file_remove("missing"); }, "cannot remove file missing (no such file)");
+  expect_error([&] { file_stat("/dev/null/file", &status, 1); },
+               "cannot get info about /dev/null/file (not a directory)");
+  EXPECT_EQ(printed([&] { file_stat("missing", &status, 0); }),
+            "error: cannot get info about missing (no such file or directory)\n");
   expect_error([&] { file_open(endless.c_str(), "r"); }, "cannot open file \"" + endless.substr(0, 237));
 }
 

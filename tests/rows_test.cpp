@@ -191,8 +191,8 @@ TEST(Rows, CountTheRoundingsOfSums) {
   constexpr std::size_t many = 2000;
   constexpr double below_half = 0.98 * rows_unit, above_half = 1.02 * rows_unit;
   const Part large = {0, 0, {1.0}, {1.0}, 1.0};
-  const auto followed_by = [&](auto small) {
-    std::vector<Part> parts = {large};
+  const auto followed_by = [&](auto small, const Part& first) {
+    std::vector<Part> parts = {first};
     for (std::size_t i = 0; i < many; ++i) {
       parts.push_back(small(0.001 * static_cast<double>(i)));
     }
@@ -202,20 +202,15 @@ TEST(Rows, CountTheRoundingsOfSums) {
   const auto own_radial = [](int type, double coefficient) {
     return [=](double distinct) { return Part{type, 0, {1.0, 2.0 + distinct}, {1.0, 1e-30}, coefficient}; };
   };
+  const auto multiple = [](double) { return Part{0, 0, {1.0}, {1.0}, below_half}; };
   Part long_contraction = {0, 0, Numbers(many, 1.0), Numbers(many, below_half), 1.0};
   long_contraction.contraction[0] = 1.0;
-  // Small, where many terms are just out of reach.
-  std::vector<Part> far_away = followed_by(own_radial(0, 1.0));
-  far_away[0] = {0, 0, {0.01}, {1.0}, 1e-12};
   const std::tuple<const char*, std::vector<Part>, double, double> rows[] = {
       {"primitives", {long_contraction}, 0.1, 0.4},
-      {"functions, multiples", followed_by([](double) {
-         return Part{0, 0, {1.0}, {1.0}, below_half};
-       }),
-       0.1, 0.8},
-      {"row functions", followed_by(own_radial(-4, 1e-10)), 0.1, 0.2},
-      {"left out", followed_by(own_radial(0, above_half)), 0.1, 0.8},
-      {"out of reach", far_away, 8.0, 0.001},
+      {"functions, multiples", followed_by(multiple, large), 0.1, 0.8},
+      {"row functions", followed_by(own_radial(-4, 1e-10), large), 0.1, 0.2},
+      {"left out", followed_by(own_radial(0, above_half), large), 0.1, 0.8},
+      {"out of reach", followed_by(own_radial(0, 1.0), {0, 0, {0.01}, {1.0}, 1e-12}), 8.0, 0.001},
       {"near multiples", {{0, 0, {2, 1}, {1, 1}, 1}, {0, 0, {2, 1}, {1, 1 + 1e-11}, 1}}, 0.1, 0.0}};
   for (const auto& [name, parts, x, share] : rows) {
     SCOPED_TRACE(name);
@@ -241,7 +236,8 @@ TEST(Rows, BoundWhatLargeArgumentsErr) {
     SCOPED_TRACE(name);
     CubeDefinition cube = {{1, 1, 16}, {}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.001}}};
     Part worst = part;
-    for (double difference = 0.0, trial = 0.0; trial < 3e6; ++trial) {
+    double difference = 0.0;
+    for (int trial = 0; trial < 3000000; ++trial) {
       const double x = just_above(8.0), y = just_above(8.0), z = just_above(std::sqrt(128.0));
       const double exponent = just_above(argument / 256.0);
       const long double by_rows =
@@ -288,14 +284,15 @@ TEST(Rows, BoundOrbitalsInEachTile) {
 TEST(Rows, LeaveTiesToTheExactSweep) {
   std::mt19937_64 random(12);
   Found found;
+  constexpr SweepField field = SweepField::density_and_potential;
   for (int trial = 0; trial < 25; ++trial) {
     SmallFchk fields = strained(random);
     CubeDefinition cube = random_grid(random);
     std::ranges::copy(std::array{1U, 1U, 16U}, cube.npoints);
     double factor = 1.0;
-    const auto made_up = fields.coefficient;
-    fields.coefficient = [&](unsigned i, unsigned j) { return factor * made_up(i, j); };
-    constexpr SweepField field = SweepField::density_and_potential;
+    fields.coefficient = [&, made_up = fields.coefficient](unsigned i, unsigned j) {
+      return factor * made_up(i, j);
+    };
     const double value =
         exact_values(*read_text(fcheck_read, fchk_text(fields)), cube.points[0], field, {})[0];
     const double unit = std::pow(10.0, std::floor(std::log10(value)) - 5.0);
