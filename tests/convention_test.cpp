@@ -58,28 +58,6 @@ std::string text_of(const SmallWfn& wfn) {
   return text + "END DATA\n THE  HF ENERGY =      -7.9 THE VIRIAL(-V/T)=   2.0\n";
 }
 
-// Everything that a molecule of one set of orbitals holds.
-std::string contents(const Molecule& molecule) {
-  std::string text = molecule.title;
-  for (const Atom& atom : std::span(molecule.atoms, molecule.atom_count)) {
-    text += std::string("\n") + atom.symbol + formatted(" %u ", atom.atomic_number) +
-            lines_of({atom.coord, atom.coord + 3}, "%.8f ", 3);
-  }
-  for (const BasisFunction& function : std::span(molecule.basis, molecule.basis_count)) {
-    text += formatted("%u ", function.atom_index) + formatted("%d ", function.type) +
-            formatted("%d ", function.component) +
-            lines_of({function.exponents, function.exponents + function.primitive_count}, "%.7e ", 9);
-  }
-  for (const Orbital& orbital : std::span(molecule.alpha_orbitals, molecule.alpha_orbital_count)) {
-    Numbers coefficients(orbital.coefficients, orbital.coefficients + molecule.basis_count);
-    std::ranges::replace_if(
-        coefficients, [](double c) { return std::fabs(c) < 1e-99; }, 0.0);
-    text += formatted("%g ", orbital.occupation) + formatted("%.6f ", orbital.energy) +
-            lines_of(coefficients, "%.7f ", 99);
-  }
-  return text;
-}
-
 Numbers norms_of(const Molecule& molecule) {
   return overlap_norms(&molecule, {molecule.alpha_orbitals, molecule.alpha_orbital_count}).value();
 }
@@ -147,35 +125,13 @@ TEST(Convention, WfnPrimitivesAreBareMonomialsInTheOrderOfTheirTypeNumbers) {
 TEST(Convention, DialectsOfWfnFilesGiveTheSameMolecule) {
   const Convention as_written(1);
   SmallWfn wfn;
-  wfn.orbitals[0].coefficients[1] = 0.0;
-  const std::string text = text_of(wfn), expected = contents(*read_text(wfn_read, text));
-  EXPECT_NE(expected.find("Li 3 "), std::string::npos) << expected;
-  const std::pair<const char*, const char*> rows[] = {
-      {"GAUSSIAN", "GTO     "},
-      {"\nGAUSSIAN", "\nby a program\nGAUSSIAN"},
-      {"      2 MOL ORBITALS      5 PRIM", "2 MOL ORBITALS 5 PRIM"},
-      {"  0.00000000 -0.50000000  3.00000000", " 0.00000000-0.50000000  3.0"},
-      {"  0.00000000 -0.50000000  3.00000000", "  0.0 -0.5 3.000000000000E+00 CHARGE = 1.0"},
-      {"(CENTRE  2) ", " CENTRE    7"},
-      {"  Li", "  LI"},
-      {"  Li   1", "  Li1   "},
-      {"  H    2", "  H10a  "},
-      {"  1  1  1  2  2\nT", "  1  1001002002\nT"},
-      {" 1.5000000E+00 7.5", " 0.1500000d+01 7.5"},
-      {" 2.0000000E+00", " 2.0000000D+00   \r\nEXPONENTS"},
-      {"  5.00000000E-01  0.00000000E+00", "  5.00000000D-01-0.12345678D-150"},
-      {"  5.00000000E-01  0.00000000E+00", "  5.00000000e-01 0.12345678-150"},
-      {"OCC NO =    2.0000000  ORB.", "occupied OCC NO = 2.0 ORB."},
-      {"ENERGY =   -2.500000\n", "ENERGY =-2.500000 (eV -68)\n\n"},
-      {"END DATA\n", "END DATA\n$MOSPIN\n 1 2\n$END"},
-      {" -1.00000000E+00\nEND DATA\n THE  HF ENERGY =      -7.9 THE VIRIAL(-V/T)=   2.0\n",
-       " -1.00000000E+00"},
-  };
-  for (const auto& [from, to] : rows) {
-    EXPECT_EQ(contents(*read_text(wfn_read, broken(text, from, to))), expected) << to;
+  wfn.orbitals[0].coefficients[1] = -1.2345678e-151;
+  const std::string text = text_of(wfn), expected = all_numbers(*read_text(wfn_read, text));
+  for (const std::vector<std::string>& row : rows_of("wfn_dialects.txt")) {
+    EXPECT_EQ(all_numbers(*read_text(wfn_read, broken(text, row[0], row[1]))), expected) << row[1];
   }
   const auto without_title = read_text(wfn_read, text.substr(text.find('\n') + 1));
-  EXPECT_EQ("a title" + contents(*without_title), expected);
+  EXPECT_EQ("a title" + all_numbers(*without_title), expected);
 
   // Beyond 99 atoms columns are full.
   SmallWfn many;
@@ -292,16 +248,16 @@ TEST(Convention, CheckpointElectronsAreInOneSetOfOrbitalsOrInTwo) {
 TEST(Convention, WhatACheckpointFileLacksFollowsFromItsArrays) {
   const Convention as_written(1);
   SmallFchk fields;
-  const std::string text = fchk_text(fields), expected = contents(*read_text(fcheck_read, text));
+  const std::string text = fchk_text(fields), expected = all_numbers(*read_text(fcheck_read, text));
   for (const char* label : {"Number of atoms", "Number of contracted shells", "Number of primitive shells"}) {
-    EXPECT_EQ(contents(*read_text(fcheck_read, broken(text, label, "X"))), expected) << label;
+    EXPECT_EQ(all_numbers(*read_text(fcheck_read, broken(text, label, "X"))), expected) << label;
   }
   const std::size_t place = text.find("Current"), end = text.find("Number of contracted");
   const std::string geometry = text.substr(place, end - place), other = broken(geometry, "5.0", "7.0");
-  EXPECT_EQ(contents(*read_text(fcheck_read, broken(text, geometry, other + geometry) + other)), expected);
+  EXPECT_EQ(all_numbers(*read_text(fcheck_read, broken(text, geometry, other + geometry) + other)), expected);
   const std::string odd =
       text.substr(0, place) + text.substr(end) + geometry;  // one behind the orbitals only
-  EXPECT_EQ(contents(*read_text(fcheck_read, odd)), expected);
+  EXPECT_EQ(all_numbers(*read_text(fcheck_read, odd)), expected);
 
   fields.removed = 2;
   const auto fewer = read_text(fcheck_read, fchk_text(fields));
@@ -375,27 +331,9 @@ TEST(Convention, WhatLooksWrongInAWfnFileIsTold) {
   const std::string text = text_of({{{1, {0, 0, 0}}},
                                     {{1, 1, 1.0}, {1, 1, 1.0}},
                                     {{2, -1.5, {norm / 4, 3 * norm / 4}}, {2, -0.5, {norm, 0}}}});
-  const std::string other = "orbital 1 has the norm 0.5079, with INPUT_CONVENTION 1 it has 1.0000\n",
-                    no_number = ", which is no number of electrons\n";
-  const std::tuple<std::int16_t, std::string, std::string, std::string> rows[] = {
-      {0, "a", "a", other},
-      {0, "1) ", "1)-",
-       "a coordinate of the WFN file loses its sign in column 24; INPUT_CONVENTION 1 reads it\n" + other},
-      {0, "  1  1\nEX", " 36  1\nEX",
-       "type number 36 of the WFN file is none of a shell up to g, and taken for an s function\n" + other},
-      {0, "  2.0000000", "  1.0000000",
-       "occupation numbers of the WFN file other than 2 count as 2; INPUT_CONVENTION 1 reads them\n" + other},
-      {0, "=   -1.500000", "=-1409.920000",
-       "an orbital energy of the WFN file is cut at column 64; INPUT_CONVENTION 1 reads it whole\n" + other},
-      {1, "a", "a", ""},
-      {1, "  0.00000000E+00\nEND", "  1.00000000E-02\nEND", "orbital 2 has the norm 1.0283 in place of 1\n"},
-      {1, "  2.0000000", "  1.9000000", "occupation numbers add up to 3.9000" + no_number},
-      {1, "  2.0000000", " -0.0001500", "negative occupation numbers add up to -0.000150\n"},
-      {1, "  2.0000000", " -0.0000500", ""},
-  };
-  for (const auto& [convention, from, to, expected] : rows) {
-    const Convention meant(convention);
-    EXPECT_EQ(told_of(wfn_read, broken(text, from, to)), expected) << to;
+  for (const std::vector<std::string>& row : rows_of("told_wfn.txt")) {
+    const Convention meant(row[0] == "1");
+    EXPECT_EQ(told_of(wfn_read, broken(text, row[1], row[2])), row[3]) << row[2];
   }
   // Nearer to 1, but not ten times.
   const double large = std::sqrt(1.2) * norm;
@@ -403,7 +341,6 @@ TEST(Convention, WhatLooksWrongInAWfnFileIsTold) {
   const Convention as_written(1);
   const std::string positive = broken(text, "  -0.500000", "   0.000000"),
                     zero = broken(positive, "-1.5", " 0.0");
-  EXPECT_EQ(told_of(wfn_read, positive), "");
   EXPECT_EQ(told_of(wfn_read, zero),
             "all occupied orbitals have the energy 0: the ionization potential means nothing\n");
   EXPECT_EQ(
@@ -455,68 +392,19 @@ TEST(Convention, WhatLooksWrongInACheckpointFileIsTold) {
 }
 
 TEST(Convention, AFileOfTheOtherFormatIsToldBeforeTheError) {
-  const std::pair<std::string, std::string> rows[] = {
-      {fchk_text(),
-       "warning: the input file looks like a formatted checkpoint file: -t fchk\nerror: cannot read number "
-       "of orbitals\n"},
-      {text_of({}),
-       "warning: the input file looks like a WFN file: -t wfn\nerror: missing section in fchk file - Number "
-       "of atoms\n"}};
-  const Scratch scratch;
-  for (const auto& [text, lines] : rows) {
-    set_input(scratch, text);
-    const bool is_fchk = text == rows[0].first;
-    const auto read = [&] {
-      inp_format = is_fchk ? input_wfn : input_fchk;
-      Molecule molecule{};
-      (is_fchk ? wfn_read : fcheck_read)(&molecule);
-    };
-    expect_exit(read, 1, lines);
-  }
-}
-
-TEST(Convention, FewerOrbitalsThanFunctionsAreToldBeforeTheError) {
-  const Scratch scratch;
-  set_input(scratch, fchk_text({.removed = 1}));
-  Molecule molecule{};
-  expect_exit([&] { fcheck_read(&molecule); }, 1,
-              "warning: the fchk file has fewer orbitals than basis functions; INPUT_CONVENTION 1 reads it\n"
-              "error: cannot read alpha MO energies\n");
+  const std::string looks = "warning: the input file looks like a ";
+  inp_format = input_wfn;
+  expect_rejected(wfn_read, fchk_text(), {{"small", "small", "cannot read number of orbitals"}},
+                  looks + "formatted checkpoint file: -t fchk\n");
+  inp_format = input_fchk;
+  expect_rejected(fcheck_read, text_of({}), {{"a", "a", "missing section in fchk file - Number of atoms"}},
+                  looks + "WFN file: -t wfn\n");
+  inp_format = 0;
 }
 
 TEST(Convention, BadWfnFilesEndTheRun) {
   const Convention as_written(1);
-  const std::string no_coefficient = "cannot read molecular orbital coefficients",
-                    no_exponent = "cannot read number in real data block",
-                    no_integer = "cannot read unsigned int data block",
-                    no_coordinates = "cannot read atomic coordinates";
-  const std::vector<Breakage> breakages = {
-      {"MOL ORB", "mol orb", "unexpected end of WFN file while reading number of electrons"},
-      {"      2 MOL", "      x MOL", "cannot read number of orbitals"},
-      {"5 PRIM", "PRIM", "cannot read number of primitives"},
-      {"2 NUCLEI", "x NUCLEI", "cannot read number of nuclei"},
-      {"  2 NUCLEI", " 2000000 NUCLEI", "invalid count in WFN file - number of nuclei"},
-      {"      2 MOL", "4000000 MOL", "invalid count in WFN file - number of orbitals or primitives"},
-      {"  H ", {}, "unexpected end of WFN file while reading coordinates"},
-      {"  H    2    (CENTRE  2)   0.00000000 -0.50000000  3.00000000", "", "cannot read atom symbol"},
-      {"-0.50000000", "-0.50000000 x", no_coordinates},
-      {"  3.00000000", "  inf", no_coordinates},
-      {"  1  1  1  2  2", "  1  1  1  2  3", "shell atom index exceedes number of atoms"},
-      {"  1  1  1  2  2", "  1  1  1  2 -2", no_integer},
-      {"\nTYPE", {}, no_integer},
-      {"  1  2 14", "  1 36 14", "unknown type number 36 in WFN file"},
-      {"  1  2 14", "  1  0 14", "unknown type number 0 in WFN file"},
-      {" 7.5000000E-01", " 0.0000000E+00", "exponent 0 in WFN file is not positive"},
-      {" 7.5000000E-01", "-7.5000000E-01", "exponent -0.75 in WFN file is not positive"},
-      {" 7.5000000E-01", " 7.5000000E-0x", no_exponent},
-      {"OCC NO =    2.0", "OCC NO      2.0", "cannot read occupation number of molecular orbital"},
-      {"OCC NO =    2.0", "OCC NO =   -0.0101", "occupation number -0.0101 of orbital 1 is negative"},
-      {"ENERGY =   -2.5", "ENERGY =*******", "cannot read molecular orbital energy"},
-      {"MO    2", {}, "unexpected end of file while reading molecular orbitals"},
-      {"  1.25000000E-01", "  1.25000000E-01*", no_coefficient},
-      {" -1.00000000E+00\nEND", {}, no_coefficient},
-  };
-  expect_rejected(wfn_read, text_of({}), breakages);
+  expect_rejected(wfn_read, text_of({}), breakages_of("bad_wfn_dialect.txt"));
 }
 
 TEST(Convention, NoCutOfAFileGivesAnotherMolecule) {
@@ -529,26 +417,12 @@ TEST(Convention, NoCutOfAFileGivesAnotherMolecule) {
 
 TEST(Convention, BadCheckpointFilesEndTheRun) {
   const Convention as_written(1);
-  const std::string text = fchk_text({.method = "UHF", .removed = 1});
-  const auto length = [](const char* label, const char* n, const char* other, const std::string& trouble) {
-    return Breakage{formatted("%-43s    N=", label) + formatted("%12s", n),
-                    formatted("%-43s    N=", label) + formatted("%12s", other),
-                    trouble + " in fchk file - " + label};
-  };
-  const std::string no_alpha = "missing section in fchk file - Number of alpha electrons";
-  expect_rejected(fcheck_read, text,
-                  {length("Atomic numbers", "2", "3", "contradictory length"),
-                   length("Shell types", "2", "3", "contradictory length"),
-                   length("Primitive exponents", "5", "4", "contradictory length"),
-                   length("Alpha MO coefficients", "20", "25", "contradictory length"),
-                   length("Beta MO coefficients", "20", "19", "contradictory length"),
-                   length("Alpha Orbital Energies", "4", "6", "invalid length"),
-                   {"Number of alpha", "Alpha", no_alpha},
-                   {"Alpha MO", "alpha MO", "missing section in fchk file - Alpha MO coefficients"},
-                   {"alpha electrons ", "alpha electrons 5\n",
-                    "number of electrons exceeds number of orbitals in fchk file"}});
+  expect_rejected(fcheck_read, fchk_text({.method = "UHF", .removed = 1}),
+                  breakages_of("bad_fchk_lengths.txt"));
   // The multiplicity is 3: not all electrons are in pairs.
   for (const std::string& restricted : {fchk_text(), broken(fchk_text(), "Number of beta", "Beta")}) {
-    expect_rejected(fcheck_read, restricted, {{"Number of alpha", "Alpha", no_alpha}});
+    expect_rejected(
+        fcheck_read, restricted,
+        {{"Number of alpha", "Alpha", "missing section in fchk file - Number of alpha electrons"}});
   }
 }

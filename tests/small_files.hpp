@@ -176,6 +176,24 @@ inline std::string all_numbers(const Molecule& molecule) {
   return text;
 }
 
+/// The rows of a table in tests/data: texts between bars, in which \n stands for a newline and \r for a
+/// return.
+inline std::vector<std::vector<std::string>> rows_of(const std::string& name) {
+  std::vector<std::vector<std::string>> rows;
+  std::istringstream table(read_file(std::string(ORVA_TEST_DATA "/") + name));
+  for (std::string line; std::getline(table, line);) {
+    std::vector<std::string>& row = rows.emplace_back(1);
+    for (auto c = line.begin(); c != line.end(); ++c) {
+      if (*c == '|') {
+        row.emplace_back();
+      } else {
+        row.back() += *c != '\\' ? *c : *++c == 'n' ? '\n' : '\r';
+      }
+    }
+  }
+  return rows;
+}
+
 /// What an input means, for a scope.
 class Convention {
  public:
@@ -198,6 +216,15 @@ struct Breakage {
   std::optional<std::string> to;
   std::string message;
 };
+
+/// Those of a table: <end> in the second column ends the file.
+inline std::vector<Breakage> breakages_of(const std::string& table) {
+  std::vector<Breakage> breakages;
+  for (const std::vector<std::string>& row : rows_of(table)) {
+    breakages.push_back({row[0], row[1] != "<end>" ? std::optional(row[1]) : std::nullopt, row[2]});
+  }
+  return breakages;
+}
 
 inline std::string broken(std::string text, const std::string& from, const std::optional<std::string>& to) {
   const std::size_t place = text.find(from);

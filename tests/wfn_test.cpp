@@ -73,37 +73,10 @@ TEST(Wfn, NoCutOfAFileGivesAnotherMolecule) {
 }
 
 TEST(Wfn, BadFilesEndTheRun) {
-  const std::string long_word(1024, '1');
-  const std::vector<Breakage> breakages = {
-      {"  7.5000000000000000E-01", long_word.c_str(), "cannot read number in real data block"},
-      {"small", {}, "unexpected end of WFN file while reading comment line"},
-      {"GAUSSIAN", {}, "unexpected end of WFN file while reading number of electrons"},
-      {"ORBITALS      ", "\n", "cannot read number of primitives"},
-      {"  14 PRIMITIVES", "   x PRIMITIVES", "cannot read number of primitives"},
-      {"       2 NUCLEI", "    4294967296", "cannot read number of nuclei"},
-      {"  Li ", {}, "unexpected end of WFN file while reading coordinates"},
-      {"  H ", "\n", "cannot read atom symbol"},
-      {"  0.0000000000000000E+00\n", "\n", "cannot read atomic coordinates"},
-      {"  5.0000000000000000E-01  3.", "-", "cannot read atomic coordinates"},
-      {"  5.0000000000000000E-01  3.0000000000000000E+00", " 1.00000000100.12345678  2.0",
-       "cannot read atomic coordinates"},
-      {"  3.0000000000000000E+00\nCENTRE", " 3.00000000100.5\nCENTRE", "cannot read atomic coordinates"},
-      {"EXPONENTS ", "EXPONENTS Z ", "cannot read number in real data block"},
-      {"CENTRE", {}, "unexpected end of file while reading data from WFN file"},
-      {"\nEXPONENTS", {}, "unexpected end of file while reading data from WFN file"},
-      {"   2   2\nTYPE", "   2\nTYPE", "cannot read unsigned int data block"},
-      {"CENTRE ASSIGNMENTS     1", "CENTRE ASSIGNMENTS     0", "shell atom index exceedes number of atoms"},
-      {"   1\nEXPO", {}, "cannot read unsigned int data block"},
-      {"  1.6000000000000000E+01", "  xD+01", "cannot convert fortran double precision type \"xE+01\""},
-      {"  5.0000000000000000E-01\nMO", "\n", "cannot convert fortran double precision type \"OCC\""},
-      {"  5.0000000000000000E-01\nMO", {}, "cannot read number in real data block"},
-      {"\nMO  OCC", {}, "unexpected end of WFN file while reading MO coefficients"},
-      {"MO  OCC", {}, "unexpected end of file while reading molecular orbitals"},
-      {" -2.0000000000000000E+00", "x", "cannot read molecular orbital energy"},
-      {"       2 NUCLEI", "       4294967295", "invalid count in WFN file - number of nuclei"},
-      {"   14 PRIM", " 4000000000", "invalid count in WFN file - number of orbitals or primitives"},
-  };
   const std::string text = wfn_text(*read_text(fcheck_read, fchk_text()));
+  std::vector<Breakage> breakages = breakages_of("bad_wfn.txt");
+  breakages.push_back(
+      {"  7.5000000000000000E-01", std::string(1024, '1'), "cannot read number in real data block"});
   expect_rejected(wfn_read, text, breakages);
   // What other programs write is told.
   const std::pair<std::string, Breakage> dialects[] = {
