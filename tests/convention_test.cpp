@@ -91,14 +91,11 @@ double norm_of(const std::string& monomial, double exponent) {
 }
 
 double normalised(const std::string& monomial, double exponent, const double* point) {
-  double value = norm_of(monomial, exponent), r2 = 0.0;
+  double value = norm_of(monomial, exponent);
   for (const char axis : monomial) {
     value *= point[axis - 'x'];
   }
-  for (unsigned c = 0; c < 3; ++c) {
-    r2 += point[c] * point[c];
-  }
-  return value * std::exp(-exponent * r2);
+  return value * std::exp(-exponent * std::inner_product(point, point + 3, point, 0.0));
 }
 
 }  // namespace
@@ -182,22 +179,19 @@ TEST(Convention, OccupationsWeighOrbitalsInTheSumsOnly) {
 
 TEST(Convention, AWfnFileHasTheFieldsOfTheCheckpointFileThatItWasMadeFrom) {
   const Convention as_written(1);
+  const auto wfn = read_text(wfn_read, read_file(ORVA_EXAMPLES "/water_cation.wfn"));
+  const auto checkpoint = read_text(fcheck_read, read_file(ORVA_EXAMPLES "/water_cation.fchk"));
   const auto fields_at = [](const Molecule& molecule, const double* point) {
-    Numbers values(molecule.basis_count);
+    Numbers values(molecule.basis_count), fields(2);
     eval_bfce_vec(&molecule, point, values.data());
-    std::pair<double, double> fields;
-    eval_orva(&molecule, values.data(), &fields.first, &fields.second);
+    eval_orva(&molecule, values.data(), &fields[0], &fields[1]);
     return fields;
   };
   const CubeDefinition cube = {{5, 5, 5}, {{-3, -3, -3}}, {{1.4, 0, 0}, {0, 1.4, 0}, {0, 0, 1.4}}};
-  std::vector<std::pair<double, double>> expected;
-  const auto checkpoint = read_text(fcheck_read, read_file(ORVA_EXAMPLES "/water_cation.fchk"));
-  for_each_point(cube, [&](const double* at, unsigned) { expected.push_back(fields_at(*checkpoint, at)); });
-  const auto wfn = read_text(wfn_read, read_file(ORVA_EXAMPLES "/water_cation.wfn"));
-  for_each_point(cube, [&, next = expected.begin()](const double* at, unsigned) mutable {
-    const auto [density, potential] = fields_at(*wfn, at);
-    EXPECT_NEAR(density, next->first, 1e-6 * density);
-    EXPECT_NEAR(potential, next++->second, 1e-6);
+  for_each_point(cube, [&](const double* point, unsigned) {
+    const Numbers fields = fields_at(*wfn, point), expected = fields_at(*checkpoint, point);
+    EXPECT_NEAR(fields[0], expected[0], 1e-6 * expected[0]);
+    EXPECT_NEAR(fields[1], expected[1], 1e-6);
   });
 }
 
