@@ -10,7 +10,9 @@
 #include "shell.hpp"
 
 // How far the values of the sweep by rows may lie from those of the exact sweep: a proof, to be read from top
-// to bottom. Its words are those of rows_plan.hpp.
+// to bottom. A radial is a sum of Gaussians (terms) that functions of a centre share; along a row, a row
+// function is a radial times a power of the offset along; the two other offsets are across (rows_plan.hpp has
+// all words).
 //
 // 1. What is compared. Both sweeps start from the same doubles: the offsets x, y, z of a point from a centre,
 // exponents α, normalization constants N, contraction coefficients c, orbital coefficients C. Both come near
@@ -21,7 +23,9 @@
 // comes to with all terms of the sum over p and of A taken positive. One rounding costs u = 2^-53,
 // relatively. A number that is made by products and sums, k roundings at most between each term and the
 // result, is off by at most k u of what it comes to with all terms taken positive; (k u)² is below the margin
-// of 3. Fused operations round less often.
+// of 3. Fused operations round less often. From here on the error is the distance between both sweeps'
+// values. A tolerance is relative to the value of the rows, and a value is sure only if its tolerance is
+// below 10^-7.
 //
 // 2. The roundings of a term, in both sweeps: what lies between it and φ_o. The error of φ_o is at most the
 // sum of this table, in u, of Σ_f |C_fo| V_f.
@@ -92,13 +96,23 @@ constexpr double rows_units(std::span<const RowRounding> table, RowCount count) 
   return sum;
 }
 
+static_assert(rows_units(rows_roundings, RowCount::argument) == 6.0 &&
+                  rows_units(rows_roundings, RowCount::once) == 100.0 &&
+                  rows_units(rows_roundings, RowCount::primitive) == 2.0 &&
+                  rows_units(rows_roundings, RowCount::multiple) == 1.0 &&
+                  rows_units(rows_roundings, RowCount::function) == 1.0 &&
+                  rows_units(rows_roundings, RowCount::row_function) == 1.0,
+              "as the text says");
+
 // n counts the functions that a tile has, though the exact sweep adds up all: see 5. The division that gives
-// the ratio of a multiple costs nothing, since its result is used both to compare and to multiply.
+// the ratio of a multiple costs nothing, since its result is used both to compare and to multiply; exponents
+// of multiples are equal to the bit. At most as many pairs of powers across as a shell has functions add up
+// to shell_max or less.
 //
 // 3. With a <= 48 therefore |error of φ_o| <= ε Σ_f |C_fo| V_f, where ε = (6·48 + 100 + 2 P + n + F + g) u.
 // The kernel takes for V_f the sum over powers of what they come to at most in a tile (`peaks`). Bounds are
-// evaluated in doubles themselves, and where errors count twice their squares are left out: the margin is far
-// above both, as long as fewer than 10^14 numbers are added up.
+// evaluated in doubles themselves, and errors of errors are left out: the margin is above both, as long as
+// fewer than 10^8 numbers are added up.
 
 inline constexpr double rows_margin = 1.0625;
 inline constexpr double rows_argument_max = 48.0;
@@ -112,15 +126,15 @@ constexpr double rows_rounding(double term_max, double function_max) {
           rows_units(rows_roundings, RowCount::multiple) * function_max);
 }
 inline constexpr double rows_rounding_of_summand = rows_margin * rows_unit;
-static_assert(rows_units(rows_roundings, RowCount::function) == 1.0 &&
-              rows_units(rows_roundings, RowCount::row_function) == 1.0);
 
-// 4. The tail. Of a term with a > 48 the error lacks (6 a - 6·48) u: from a = 746 on both sweeps have nothing
-// of it to any purpose, below that it is at most 2^-40 of the term. Since |d|^l exp(-α d²) falls from α d² =
-// l/2 on, the term is smaller than at a = 48, where no offset is above sqrt(48 / α). Terms that the rows do
-// not evaluate at all, as they are out of reach (6), come to less than rows_negligible each. Both are added
-// up over all terms, near or far. What underflows is less than 10^-240, and the tail covers it. No value of
-// an orbital below 10^-19 is sure, as the tail alone is more than 10^-7 of it.
+// 4. The tail. For a term with a > 48 the bound lacks (6 a - 6·48) u: from a = 746 on both sweeps have
+// nothing of it to any purpose, below that it is at most 2^-40 of the term. Since r^l exp(-α r²) falls from α
+// r² = l/2 on, the term is smaller than at a = 48, where no offset is above sqrt(48 / α). Terms that the rows
+// do not evaluate at all, as they are out of reach (6), come to less than rows_negligible each. Both are
+// added up over all terms, near or far; a term is here one of a radial, with all functions that share it, and
+// with |C| or the length of 7. An exponential that underflows is off by 2^-1074, far below 2^-40 exp(-48). No
+// value of an orbital below 10^-19 is sure, as the tail alone is more than 10^-7 of it: so the square of a
+// sure value does not underflow.
 
 inline constexpr double rows_tail = 0x1p-40;
 inline constexpr double rows_negligible = 1e-26;
@@ -138,10 +152,10 @@ double rows_tail_of(double exponent, Magnitude magnitude) {
 
 // 5. What is left out. A tile leaves out radials that come to next to nothing in it. All of their V enters
 // the bound twice: once because it is lacking in the rows, and once for its rounding in the exact sweep. For
-// adding t to a double s costs at most |t|, since s itself would be a result; so these functions do not count
-// in n. The same holds for the tail. Neither has a margin: a value is sure only if its tolerance is below
-// 10^-7, so that less than 5·10^-8 of it is left out, and what roundings change in that is nothing against
-// the margin of ε.
+// adding t to a double s costs at most |t|, since s itself would be a result, and the exact sweep adds its
+// functions one after another; so these do not count in n. The same holds for the tail. Neither has a margin:
+// a value is sure only if its tolerance is below 10^-7, so that less than 5·10^-8 of it is left out, and what
+// roundings change in that is nothing against the margin of ε.
 //
 // A radial is left out where its share of a tile's total is below `cut` times ε: the more, the less there is
 // to add up, but the more values are in doubt. Where each orbital has a bound of its own, the total is made
@@ -150,8 +164,8 @@ double rows_tail_of(double exponent, Magnitude magnitude) {
 inline constexpr double rows_cut = 4.0, rows_cut_of_many = 0x1p-8;
 
 // 6. The reach. In rows from some distance across on, a term comes to less than rows_negligible at all
-// points. Along a row |d|^n exp(-α d²) is at most (n / 2eα)^(n/2), not above (l / 2eα)^(n/2) for the highest
-// angular momentum l, and 1 if n = 0. Across, it falls from l/2α on.
+// points. Along a row |d|^k exp(-α d²) is at most (k / (2eα))^(k/2), not above (l / (2eα))^(k/2) for the
+// highest angular momentum l, and 1 if k = 0. Across, it falls from d² = l / (2α) on.
 
 /// The square of that distance; infinite if there is none in sight.
 template <class Magnitude>
@@ -170,9 +184,10 @@ double rows_reach(double exponent, Magnitude magnitude) {
 // 7. Sums over orbitals, Σ w_o φ_o² with weights w_o >= 0. Let Δ be the bound of 3 to 6 with the length of
 // the vector of √w_o C_fo over the orbitals in place of |C_fo|: by the triangle inequality the vector of the
 // errors of all √w_o φ_o is not longer. With s from the rows, the exact sweep's sum differs by at most 2 √s Δ
-// + Δ² and by the roundings of both sums. Occupations n_o weigh the density, n_o |ε_o| the numerator of the
-// potential. The relative tolerance of a quotient is the sum of both. Doubling for pairs of electrons is
-// exact.
+// + Δ² (below, 3 in place of 1 is slack) and by the roundings of both sums. Occupations n_o weigh the
+// density, n_o |ε_o| the numerator of the potential. The relative tolerance of a quotient is the sum of both,
+// within the margin for what is sure. All points of a tile have the tolerance of its smallest s. Doubling for
+// pairs of electrons is exact.
 
 inline constexpr std::array rows_sum_roundings = {
     RowRounding{"square", "eval_square", RowCount::once, 1},
