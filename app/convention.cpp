@@ -116,6 +116,9 @@ void turn_nothing(Functions, Orbitals) {}
 // None if it would take too long.
 std::vector<double> norms_after(std::initializer_list<Turn> turns, const Molecule* molecule,
                                 std::span<const Orbital* const> orbitals) {
+  if (orbitals.empty()) {
+    return {};
+  }
   std::vector<BasisFunction> functions(molecule->basis, molecule->basis + molecule->basis_count);
   std::vector<double> coefficients(functions.size() * orbitals.size() * turns.size());
   std::vector<Orbital> copies;
