@@ -293,6 +293,7 @@ void tell_if_energies_are_odd(const Molecule* molecule) {
 }  // namespace
 
 void convention_tell_format(std::string_view beginning) {
+  beginning = beginning.substr(0, 4096);
   const auto has = [&](const char* text) { return beginning.find(text) != beginning.npos; };
   const bool is_fchk = has("\nNumber of atoms ") || has("\nNumber of electrons "),
              is_wfn = has(" MOL ORBITALS ");
