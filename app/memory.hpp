@@ -67,7 +67,8 @@ void mem_alloc_orbitals(Molecule* molecule);
 /// former.
 void mem_alloc_listed_orbitals(Molecule* molecule, unsigned listed);
 
-/// The same for `count` orbitals of one spin, which is then their number.
+/// `count` orbitals of one spin, which is then their number: each a vector of its own of `basis_count` zeros.
+/// Without memory the run ends as for mem_alloc_orbitals.
 void mem_alloc_alpha_orbitals(Molecule* molecule, unsigned count);
 void mem_alloc_beta_orbitals(Molecule* molecule, unsigned count);
 
