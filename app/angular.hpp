@@ -6,7 +6,7 @@
 #include <tuple>
 #include <utility>
 
-#include "shell.hpp"
+#include "app/shell.hpp"
 
 // What the angular factors of all shells are made of. A factor is a function of the point relative to the
 // centre (x, y, z in bohr), written once over a number type: one double or a pack, polynomials

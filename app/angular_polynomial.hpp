@@ -5,7 +5,7 @@
 #include <cmath>
 #include <vector>
 
-#include "angular.hpp"
+#include "app/angular.hpp"
 
 /// An angular factor written out as a polynomial in x, y and z. As the number type of the factors it turns
 /// the formulas that evaluate a factor into its coefficients, and keeps what the formula's terms come to

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "prim.hpp"
+#include "app/prim.hpp"
 
 /// Roundings one after the other. As the number type of the angular factors it turns a formula into how often
 /// a term of it is rounded at most on its way to the result. Products with constants count, even exact ones.

@@ -1,12 +1,12 @@
-#include "basis.hpp"
+#include "app/basis.hpp"
 
 #include <algorithm>
 #include <array>
 #include <span>
 #include <string>
 
-#include "atom.hpp"
-#include "shell.hpp"
+#include "app/shell.hpp"
+#include "lib/atom.hpp"
 
 namespace {
 

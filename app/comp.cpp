@@ -1,4 +1,4 @@
-#include "comp.hpp"
+#include "app/comp.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -6,12 +6,12 @@
 #include <new>
 #include <vector>
 
-#include "cube_text.hpp"
-#include "eval.hpp"
-#include "occupation.hpp"
-#include "progress.hpp"
-#include "rows.hpp"
-#include "sweep.hpp"
+#include "app/cube_text.hpp"
+#include "app/eval.hpp"
+#include "app/occupation.hpp"
+#include "app/progress.hpp"
+#include "app/rows.hpp"
+#include "app/sweep.hpp"
 
 double* comp_bfce_vec = nullptr;
 

@@ -6,9 +6,9 @@
 #include <memory>
 #include <span>
 
-#include "field.hpp"
-#include "grid.hpp"
-#include "memory.hpp"
+#include "app/field.hpp"
+#include "app/grid.hpp"
+#include "app/memory.hpp"
 
 // The sweep over the grid: the data of the cube files.
 

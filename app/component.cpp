@@ -1,6 +1,6 @@
-#include "component.hpp"
+#include "app/component.hpp"
 
-#include "exponential.hpp"
+#include "app/exponential.hpp"
 
 double prim_fce_exp(const BasisFunction* function, unsigned i, const double* point) {
   const Vector<double> offset = prim_offset<double>({point[0], point[1], point[2]}, function->atom->coord);

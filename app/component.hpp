@@ -1,8 +1,8 @@
 #pragma once
 
-#include "angular.hpp"
-#include "memory.hpp"
-#include "norm.hpp"
+#include "app/angular.hpp"
+#include "app/memory.hpp"
+#include "app/norm.hpp"
 
 // One component of a shell at one point: a normalised Gaussian primitive is normalization × exp(-α r²) ×
 // angular factor, r relative to the centre. Which factors a shell has is the business of the modules above.

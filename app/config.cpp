@@ -1,4 +1,4 @@
-#include "config.hpp"
+#include "app/config.hpp"
 
 #include <algorithm>
 #include <array>
@@ -11,10 +11,10 @@
 #include <string_view>
 #include <system_error>
 
-#include "file.hpp"
-#include "message.hpp"
-#include "setup.hpp"
-#include "str_sub.hpp"
+#include "app/setup.hpp"
+#include "lib/file.hpp"
+#include "lib/message.hpp"
+#include "lib/str_sub.hpp"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <string_view>
 #include <vector>
 
-#include "grid.hpp"
-#include "reader.hpp"
+#include "app/grid.hpp"
+#include "lib/reader.hpp"
 
 // The configuration file: lines of an item name and a setting.
 

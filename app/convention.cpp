@@ -1,4 +1,4 @@
-#include "convention.hpp"
+#include "app/convention.hpp"
 
 #include <algorithm>
 #include <array>
@@ -11,14 +11,14 @@
 #include <utility>
 #include <vector>
 
-#include "memory.hpp"
-#include "message.hpp"
-#include "norm.hpp"
-#include "occupation.hpp"
-#include "options.hpp"
-#include "overlap.hpp"
-#include "setup.hpp"
-#include "shell.hpp"
+#include "app/memory.hpp"
+#include "app/norm.hpp"
+#include "app/occupation.hpp"
+#include "app/options.hpp"
+#include "app/overlap.hpp"
+#include "app/setup.hpp"
+#include "app/shell.hpp"
+#include "lib/message.hpp"
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include "coord.hpp"
+#include "app/coord.hpp"
 
 #include <span>
 
-#include "units.hpp"
+#include "app/units.hpp"
 
 void coord_print(const Molecule* molecule, std::FILE* stream) {
   for (const Atom& atom : std::span(molecule->atoms, molecule->atom_count)) {

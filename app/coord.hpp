@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "memory.hpp"
+#include "app/memory.hpp"
 
 /// Lists the atoms in their order: symbol, x, y, z in ångström.
 void coord_print(const Molecule* molecule, std::FILE* stream);

@@ -1,4 +1,4 @@
-#include "cube.hpp"
+#include "app/cube.hpp"
 
 #include <algorithm>
 #include <array>
@@ -6,11 +6,11 @@
 #include <new>
 #include <span>
 
-#include "comp.hpp"
-#include "file.hpp"
-#include "message.hpp"
-#include "setup.hpp"
-#include "sweep.hpp"
+#include "app/comp.hpp"
+#include "app/setup.hpp"
+#include "app/sweep.hpp"
+#include "lib/file.hpp"
+#include "lib/message.hpp"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "field.hpp"
-#include "grid.hpp"
-#include "memory.hpp"
+#include "app/field.hpp"
+#include "app/grid.hpp"
+#include "app/memory.hpp"
 
 // The cube files.
 

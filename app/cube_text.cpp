@@ -1,9 +1,9 @@
-#include "cube_text.hpp"
+#include "app/cube_text.hpp"
 
 #include <algorithm>
 #include <utility>
 
-#include "str_real.hpp"
+#include "lib/str_real.hpp"
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include "dfce.hpp"
+#include "app/dfce.hpp"
 
-#include "component.hpp"
+#include "app/component.hpp"
 
 void dfce_d6_id(const BasisFunction* function, unsigned* a, unsigned* b) {
   angular_select(cartesian_factors<2>, function->component, [&](const AxisProduct<2>& factor) {

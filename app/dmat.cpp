@@ -1,7 +1,7 @@
-#include "dmat.hpp"
+#include "app/dmat.hpp"
 
-#include "distance.hpp"
-#include "mat_base.hpp"
+#include "lib/distance.hpp"
+#include "lib/mat_base.hpp"
 
 double** dmat_alloc(const Molecule* molecule) {
   const unsigned n = molecule->atom_count;

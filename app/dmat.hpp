@@ -1,6 +1,6 @@
 #pragma once
 
-#include "memory.hpp"
+#include "app/memory.hpp"
 
 /// The distances between all atoms: atom × atom, bohr, symmetric, zero diagonal. Released by dmat_free.
 /// Without memory the run ends with "cannot allocate memory for double matrix" (or "column of double

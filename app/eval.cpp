@@ -1,6 +1,6 @@
-#include "eval.hpp"
+#include "app/eval.hpp"
 
-#include "prim.hpp"
+#include "app/prim.hpp"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <limits>
 
-#include "memory.hpp"
-#include "occupation.hpp"
+#include "app/memory.hpp"
+#include "app/occupation.hpp"
 
 // Fields from the wavefunction at a point. The formulas are templates over the number type: one double here,
 // packs of points in both sweeps. The functions for one point are the definition of the fields: the sweeps

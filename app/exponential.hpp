@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pack.hpp"
+#include "app/pack.hpp"
 
 // The exponential of all field formulas, for one double and for a pack: the C library's has no lanes, and its
 // last bit differs between versions. Cody & Waite reduction x = k·ln 2 + r, |r| <= ln(2)/2, then a polynomial

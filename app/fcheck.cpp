@@ -1,4 +1,4 @@
-#include "fcheck.hpp"
+#include "app/fcheck.hpp"
 
 #include <algorithm>
 #include <cstdlib>
@@ -6,14 +6,14 @@
 #include <limits>
 #include <span>
 
-#include "convention.hpp"
-#include "fcheck_sections.hpp"
-#include "file.hpp"
-#include "memory.hpp"
-#include "message.hpp"
-#include "reorder.hpp"
-#include "setup.hpp"
-#include "str_trim.hpp"
+#include "app/convention.hpp"
+#include "app/fcheck_sections.hpp"
+#include "app/memory.hpp"
+#include "app/reorder.hpp"
+#include "app/setup.hpp"
+#include "lib/file.hpp"
+#include "lib/message.hpp"
+#include "lib/str_trim.hpp"
 
 namespace {
 

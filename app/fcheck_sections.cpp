@@ -1,4 +1,4 @@
-#include "fcheck_sections.hpp"
+#include "app/fcheck_sections.hpp"
 
 #include <algorithm>
 #include <cstdint>
@@ -7,13 +7,13 @@
 #include <optional>
 #include <span>
 
-#include "atom.hpp"
-#include "fcheck.hpp"
-#include "message.hpp"
-#include "setup.hpp"
-#include "shell.hpp"
-#include "str_sub.hpp"
-#include "vec_base.hpp"
+#include "app/fcheck.hpp"
+#include "app/setup.hpp"
+#include "app/shell.hpp"
+#include "lib/atom.hpp"
+#include "lib/message.hpp"
+#include "lib/str_sub.hpp"
+#include "lib/vec_base.hpp"
 
 namespace {
 

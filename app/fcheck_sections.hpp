@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include "memory.hpp"
-#include "reader.hpp"
-#include "reorder.hpp"
+#include "app/memory.hpp"
+#include "app/reorder.hpp"
+#include "lib/reader.hpp"
 
 // The labelled sections of formatted checkpoint files.
 

@@ -1,6 +1,6 @@
-#include "ffce.hpp"
+#include "app/ffce.hpp"
 
-#include "component.hpp"
+#include "app/component.hpp"
 
 void ffce_f10_id(const BasisFunction* function, unsigned* a, unsigned* b, unsigned* c) {
   angular_select(cartesian_factors<3>, function->component, [&](const AxisProduct<3>& factor) {

@@ -1,8 +1,8 @@
-#include "gfce.hpp"
+#include "app/gfce.hpp"
 
 #include <algorithm>
 
-#include "component.hpp"
+#include "app/component.hpp"
 
 void gfce_g15_id(const BasisFunction* function, unsigned* lx, unsigned* ly, unsigned* lz) {
   angular_select(cartesian_factors<4>, function->component, [&](const AxisProduct<4>& factor) {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "angular.hpp"
-#include "memory.hpp"
+#include "app/angular.hpp"
+#include "app/memory.hpp"
 
 // g shells: fifteen Cartesian or nine pure functions.
 

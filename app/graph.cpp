@@ -1,4 +1,4 @@
-#include "graph.hpp"
+#include "app/graph.hpp"
 
 #include <algorithm>
 #include <cstdlib>
@@ -8,10 +8,10 @@
 #include <tuple>
 #include <vector>
 
-#include "allocate.hpp"
-#include "message.hpp"
-#include "stack.hpp"
-#include "vec_base.hpp"
+#include "lib/allocate.hpp"
+#include "lib/message.hpp"
+#include "lib/stack.hpp"
+#include "lib/vec_base.hpp"
 
 namespace {
 

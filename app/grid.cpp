@@ -1,14 +1,14 @@
-#include "grid.hpp"
+#include "app/grid.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
 
-#include "atom.hpp"
-#include "distance.hpp"
-#include "message.hpp"
-#include "setup.hpp"
+#include "app/setup.hpp"
+#include "lib/atom.hpp"
+#include "lib/distance.hpp"
+#include "lib/message.hpp"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "memory.hpp"
+#include "app/memory.hpp"
 
 // The grid on which fields are sampled: given by the user, or a box around the molecule.
 

@@ -1,4 +1,4 @@
-#include "help.hpp"
+#include "app/help.hpp"
 
 #include <array>
 #include <cstdio>

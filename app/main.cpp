@@ -1,16 +1,16 @@
 #include <cstdio>
 #include <new>
 
-#include "config.hpp"
-#include "cube.hpp"
-#include "fcheck.hpp"
-#include "file.hpp"
-#include "memory.hpp"
-#include "message.hpp"
-#include "options.hpp"
-#include "report.hpp"
-#include "setup.hpp"
-#include "wfn.hpp"
+#include "app/config.hpp"
+#include "app/cube.hpp"
+#include "app/fcheck.hpp"
+#include "app/memory.hpp"
+#include "app/options.hpp"
+#include "app/report.hpp"
+#include "app/setup.hpp"
+#include "app/wfn.hpp"
+#include "lib/file.hpp"
+#include "lib/message.hpp"
 
 int main(int argc, char** argv) try {
   file_prepare_process();

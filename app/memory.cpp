@@ -1,13 +1,13 @@
-#include "memory.hpp"
+#include "app/memory.hpp"
 
 #include <algorithm>
 #include <cstdlib>
 
-#include "allocate.hpp"
-#include "mat_base.hpp"
-#include "message.hpp"
-#include "setup.hpp"
-#include "vec_base.hpp"
+#include "app/setup.hpp"
+#include "lib/allocate.hpp"
+#include "lib/mat_base.hpp"
+#include "lib/message.hpp"
+#include "lib/vec_base.hpp"
 
 namespace {
 

@@ -1,12 +1,12 @@
-#include "norm.hpp"
+#include "app/norm.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <numbers>
 
-#include "power.hpp"
-#include "shell.hpp"
+#include "app/power.hpp"
+#include "app/shell.hpp"
 
 namespace {
 

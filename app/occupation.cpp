@@ -1,9 +1,9 @@
-#include "occupation.hpp"
+#include "app/occupation.hpp"
 
 #include <algorithm>
 #include <span>
 
-#include "setup.hpp"
+#include "app/setup.hpp"
 
 namespace {
 

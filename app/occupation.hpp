@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "memory.hpp"
+#include "app/memory.hpp"
 
 /// An orbital, and how often it counts in sums over orbitals.
 struct WeightedOrbital {

@@ -1,4 +1,4 @@
-#include "options.hpp"
+#include "app/options.hpp"
 
 #include <array>
 #include <cstdint>
@@ -6,12 +6,12 @@
 #include <cstring>
 #include <string_view>
 
-#include "arg.hpp"
-#include "file.hpp"
-#include "help.hpp"
-#include "message.hpp"
-#include "sample.hpp"
-#include "setup.hpp"
+#include "app/help.hpp"
+#include "app/sample.hpp"
+#include "app/setup.hpp"
+#include "lib/arg.hpp"
+#include "lib/file.hpp"
+#include "lib/message.hpp"
 
 namespace {
 

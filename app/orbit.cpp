@@ -1,10 +1,10 @@
-#include "orbit.hpp"
+#include "app/orbit.hpp"
 
 #include <algorithm>
 #include <vector>
 
-#include "mat_print.hpp"
-#include "message.hpp"
+#include "lib/mat_print.hpp"
+#include "lib/message.hpp"
 
 void orbit_print_mo(const Molecule* molecule, std::FILE* stream, std::int16_t spin, unsigned width) {
   if (spin != orbit_alpha && spin != orbit_beta) {

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "memory.hpp"
+#include "app/memory.hpp"
 
 // Spin codes.
 inline constexpr std::int16_t orbit_alpha = 1;

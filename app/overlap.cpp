@@ -1,4 +1,4 @@
-#include "overlap.hpp"
+#include "app/overlap.hpp"
 
 #include <algorithm>
 #include <array>
@@ -9,9 +9,9 @@
 #include <numbers>
 #include <tuple>
 
-#include "angular_polynomial.hpp"
-#include "norm.hpp"
-#include "prim.hpp"
+#include "app/angular_polynomial.hpp"
+#include "app/norm.hpp"
+#include "app/prim.hpp"
 
 namespace {
 

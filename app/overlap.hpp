@@ -4,7 +4,7 @@
 #include <span>
 #include <vector>
 
-#include "memory.hpp"
+#include "app/memory.hpp"
 
 // Overlap integrals of the basis functions, in closed form.
 

@@ -1,9 +1,9 @@
-#include "power.hpp"
+#include "app/power.hpp"
 
 #include <cmath>
 #include <limits>
 
-#include "angular.hpp"
+#include "app/angular.hpp"
 
 namespace {
 

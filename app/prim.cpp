@@ -1,4 +1,4 @@
-#include "prim.hpp"
+#include "app/prim.hpp"
 
 double prim_fce(const BasisFunction* function, unsigned i, const double* point) {
   double value = 0.0;

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "component.hpp"
-#include "dfce.hpp"
-#include "ffce.hpp"
-#include "gfce.hpp"
-#include "memory.hpp"
+#include "app/component.hpp"
+#include "app/dfce.hpp"
+#include "app/ffce.hpp"
+#include "app/gfce.hpp"
+#include "app/memory.hpp"
 
 // Primitives of any shell: which angular factors a shell type has, for both sweeps. The functions for one
 // point are part of the definition of the fields, as those of eval.hpp.

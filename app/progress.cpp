@@ -1,10 +1,10 @@
-#include "progress.hpp"
+#include "app/progress.hpp"
 
 #include <unistd.h>
 
 #include <cstdio>
 
-#include "setup.hpp"
+#include "app/setup.hpp"
 
 namespace {
 

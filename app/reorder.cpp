@@ -1,11 +1,11 @@
-#include "reorder.hpp"
+#include "app/reorder.hpp"
 
 #include <algorithm>
 
-#include "memory.hpp"
-#include "message.hpp"
-#include "shell.hpp"
-#include "vec_base.hpp"
+#include "app/memory.hpp"
+#include "app/shell.hpp"
+#include "lib/message.hpp"
+#include "lib/vec_base.hpp"
 
 namespace {
 

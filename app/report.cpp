@@ -1,4 +1,4 @@
-#include "report.hpp"
+#include "app/report.hpp"
 
 #include <algorithm>
 #include <array>
@@ -7,16 +7,16 @@
 #include <string>
 #include <vector>
 
-#include "basis.hpp"
-#include "coord.hpp"
-#include "dmat.hpp"
-#include "file.hpp"
-#include "mat_print.hpp"
-#include "orbit.hpp"
-#include "print.hpp"
-#include "setup.hpp"
-#include "units.hpp"
-#include "zmat.hpp"
+#include "app/basis.hpp"
+#include "app/coord.hpp"
+#include "app/dmat.hpp"
+#include "app/orbit.hpp"
+#include "app/setup.hpp"
+#include "app/units.hpp"
+#include "app/zmat.hpp"
+#include "lib/file.hpp"
+#include "lib/mat_print.hpp"
+#include "lib/print.hpp"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "rows.hpp"
+#include "app/rows.hpp"
 
 #include <algorithm>
 #include <array>

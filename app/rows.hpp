@@ -3,11 +3,11 @@
 #include <memory>
 #include <span>
 
-#include "aligned.hpp"
-#include "grid.hpp"
-#include "memory.hpp"
-#include "occupation.hpp"
-#include "rows_build.hpp"
+#include "app/aligned.hpp"
+#include "app/grid.hpp"
+#include "app/memory.hpp"
+#include "app/occupation.hpp"
+#include "app/rows_build.hpp"
 
 // Fields at the points of whole rows, cheaper than the exact sweep gives them and with a bound of how far
 // they may lie from what it gives. Gaussians are products along the axes, and functions of the same radial

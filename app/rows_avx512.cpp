@@ -1,4 +1,4 @@
-#include "rows_kernel.hpp"
+#include "app/rows_kernel.hpp"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <span>
 #include <string_view>
 
-#include "exponential.hpp"
-#include "shell.hpp"
+#include "app/exponential.hpp"
+#include "app/shell.hpp"
 
 // How far the values of the sweep by rows may lie from those of the exact sweep: a proof, to be read from top
 // to bottom. A radial is a sum of Gaussians (terms) that functions of a centre share; along a row, a row

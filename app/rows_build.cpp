@@ -1,11 +1,11 @@
-#include "rows_build.hpp"
+#include "app/rows_build.hpp"
 
 #include <algorithm>
 #include <cmath>
 
-#include "eval.hpp"
-#include "rows_bound.hpp"
-#include "rows_functions.hpp"
+#include "app/eval.hpp"
+#include "app/rows_bound.hpp"
+#include "app/rows_functions.hpp"
 
 namespace {
 

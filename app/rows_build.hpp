@@ -3,10 +3,10 @@
 #include <memory>
 #include <span>
 
-#include "grid.hpp"
-#include "memory.hpp"
-#include "occupation.hpp"
-#include "rows_tables.hpp"
+#include "app/grid.hpp"
+#include "app/memory.hpp"
+#include "app/occupation.hpp"
+#include "app/rows_tables.hpp"
 
 /// Makes the plan. Null if the exact sweep must do it all: the steps of the grid do not lie along the axes,
 /// its rows are short or so long that the tables of their Gaussians would fill the memory, there are no

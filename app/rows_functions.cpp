@@ -1,4 +1,4 @@
-#include "rows_functions.hpp"
+#include "app/rows_functions.hpp"
 
 #include <algorithm>
 #include <array>
@@ -7,12 +7,12 @@
 #include <span>
 #include <utility>
 
-#include "angular_polynomial.hpp"
-#include "angular_rounding.hpp"
-#include "exponential.hpp"
-#include "norm.hpp"
-#include "prim.hpp"
-#include "rows_bound.hpp"
+#include "app/angular_polynomial.hpp"
+#include "app/angular_rounding.hpp"
+#include "app/exponential.hpp"
+#include "app/norm.hpp"
+#include "app/prim.hpp"
+#include "app/rows_bound.hpp"
 
 static_assert(angular_rounding_max() <= rows_angular, "raise rows_angular, of which the bound is made");
 

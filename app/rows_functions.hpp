@@ -3,9 +3,9 @@
 #include <optional>
 #include <vector>
 
-#include "grid.hpp"
-#include "memory.hpp"
-#include "rows_tables.hpp"
+#include "app/grid.hpp"
+#include "app/memory.hpp"
+#include "app/rows_tables.hpp"
 
 /// What a basis function has of a monomial.
 struct RowPart {

@@ -2,10 +2,10 @@
 
 #include <cmath>
 
-#include "eval.hpp"
-#include "pack.hpp"
-#include "rows_bound.hpp"
-#include "rows_plan.hpp"
+#include "app/eval.hpp"
+#include "app/pack.hpp"
+#include "app/rows_bound.hpp"
+#include "app/rows_plan.hpp"
 
 // The sweep over a piece of a row, for one type of pack. Included once by the translation unit of each
 // instruction set, with a pack type of an unnamed namespace. Sums may be fused here: the bound holds either

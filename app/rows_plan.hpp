@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-#include "shell.hpp"
-#include "sweep_plan.hpp"
+#include "app/shell.hpp"
+#include "app/sweep_plan.hpp"
 
 // What the sweep by rows hands to its kernels; as for the exact sweep, plain memory. Further words:
 //

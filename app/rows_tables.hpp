@@ -3,8 +3,8 @@
 #include <array>
 #include <vector>
 
-#include "aligned.hpp"
-#include "rows_plan.hpp"
+#include "app/aligned.hpp"
+#include "app/rows_plan.hpp"
 
 /// A plan of the sweep by rows and all that it points to.
 struct RowTables {

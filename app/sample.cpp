@@ -1,11 +1,11 @@
-#include "sample.hpp"
+#include "app/sample.hpp"
 
 #include <array>
 #include <span>
 #include <variant>
 
-#include "file.hpp"
-#include "setup.hpp"
+#include "app/setup.hpp"
+#include "lib/file.hpp"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "setup.hpp"
+#include "app/setup.hpp"
 
 #include <string_view>
 

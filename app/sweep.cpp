@@ -1,4 +1,4 @@
-#include "sweep.hpp"
+#include "app/sweep.hpp"
 
 #include <algorithm>
 #include <array>
@@ -9,11 +9,11 @@
 #include <limits>
 #include <string>
 
-#include "eval.hpp"
-#include "exponential.hpp"
-#include "message.hpp"
-#include "norm.hpp"
-#include "shell.hpp"
+#include "app/eval.hpp"
+#include "app/exponential.hpp"
+#include "app/norm.hpp"
+#include "app/shell.hpp"
+#include "lib/message.hpp"
 
 namespace {
 

@@ -6,10 +6,10 @@
 #include <unordered_map>
 #include <vector>
 
-#include "aligned.hpp"
-#include "memory.hpp"
-#include "occupation.hpp"
-#include "sweep_plan.hpp"
+#include "app/aligned.hpp"
+#include "app/memory.hpp"
+#include "app/occupation.hpp"
+#include "app/sweep_plan.hpp"
 
 // Fields at many points at once: packs of points through the formulas of the point-by-point functions, in
 // the same order, with the same bits. What does not depend on the point is worked out once, in the plan.

@@ -2,11 +2,11 @@
 
 #include <cmath>
 
-#include "eval.hpp"
-#include "exponential.hpp"
-#include "pack.hpp"
-#include "prim.hpp"
-#include "sweep_plan.hpp"
+#include "app/eval.hpp"
+#include "app/exponential.hpp"
+#include "app/pack.hpp"
+#include "app/prim.hpp"
+#include "app/sweep_plan.hpp"
 
 // The sweep over a block of points, for one type of pack. Included once by the translation unit of each
 // instruction set, with a pack type of an unnamed namespace.

@@ -1,4 +1,4 @@
-#include "sweep_kernel.hpp"
+#include "app/sweep_kernel.hpp"
 
 namespace {
 

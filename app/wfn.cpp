@@ -1,4 +1,4 @@
-#include "wfn.hpp"
+#include "app/wfn.hpp"
 
 #include <algorithm>
 #include <array>
@@ -10,18 +10,18 @@
 #include <limits>
 #include <vector>
 
-#include "atom.hpp"
-#include "convention.hpp"
-#include "file.hpp"
-#include "memory.hpp"
-#include "message.hpp"
-#include "reader.hpp"
-#include "setup.hpp"
-#include "shell.hpp"
-#include "str_trim.hpp"
-#include "string.hpp"
-#include "vec_base.hpp"
-#include "wfn_dialect.hpp"
+#include "app/convention.hpp"
+#include "app/memory.hpp"
+#include "app/setup.hpp"
+#include "app/shell.hpp"
+#include "app/wfn_dialect.hpp"
+#include "lib/atom.hpp"
+#include "lib/file.hpp"
+#include "lib/message.hpp"
+#include "lib/reader.hpp"
+#include "lib/str_trim.hpp"
+#include "lib/string.hpp"
+#include "lib/vec_base.hpp"
 
 namespace {
 

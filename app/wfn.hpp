@@ -2,7 +2,7 @@
 
 // WFN files: orbitals over single primitives, all doubly occupied unless INPUT_CONVENTION says otherwise.
 
-#include "shell.hpp"
+#include "app/shell.hpp"
 
 class Reader;
 struct Molecule;

@@ -1,4 +1,4 @@
-#include "wfn_dialect.hpp"
+#include "app/wfn_dialect.hpp"
 
 #include <algorithm>
 #include <array>
@@ -10,12 +10,12 @@
 #include <string>
 #include <vector>
 
-#include "atom.hpp"
-#include "memory.hpp"
-#include "message.hpp"
-#include "reader.hpp"
-#include "string.hpp"
-#include "wfn.hpp"
+#include "app/memory.hpp"
+#include "app/wfn.hpp"
+#include "lib/atom.hpp"
+#include "lib/message.hpp"
+#include "lib/reader.hpp"
+#include "lib/string.hpp"
 
 namespace {
 

@@ -1,12 +1,12 @@
-#include "zmat.hpp"
+#include "app/zmat.hpp"
 
 #include <algorithm>
 #include <span>
 #include <vector>
 
-#include "icoord.hpp"
-#include "units.hpp"
-#include "vec_base.hpp"
+#include "app/units.hpp"
+#include "lib/icoord.hpp"
+#include "lib/vec_base.hpp"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #include <array>
 #include <cstdio>
 
-#include "graph.hpp"
-#include "memory.hpp"
-#include "stack.hpp"
+#include "app/graph.hpp"
+#include "app/memory.hpp"
+#include "lib/stack.hpp"
 
 // The Z-matrix: every atom by a bond, an angle and a dihedral to atoms of earlier rows, chosen by walking
 // the tree of the bonds.

@@ -2,7 +2,7 @@
 
 #include <ctime>
 
-#include "pack.hpp"
+#include "app/pack.hpp"
 
 // What a core can do at most: independent multiplications and additions in registers.
 

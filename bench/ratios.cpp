@@ -20,16 +20,16 @@
 #include <string>
 #include <vector>
 
-#include "comp.hpp"
-#include "cube_text.hpp"
-#include "eval.hpp"
-#include "fcheck.hpp"
+#include "app/comp.hpp"
+#include "app/cube_text.hpp"
+#include "app/eval.hpp"
+#include "app/fcheck.hpp"
+#include "app/occupation.hpp"
+#include "app/rows.hpp"
+#include "app/setup.hpp"
+#include "app/sweep.hpp"
+#include "lib/vec_base.hpp"
 #include "limit.hpp"
-#include "occupation.hpp"
-#include "rows.hpp"
-#include "setup.hpp"
-#include "sweep.hpp"
-#include "vec_base.hpp"
 
 namespace {
 

@@ -7,10 +7,10 @@
 #include <filesystem>
 #include <string>
 
-#include "fcheck.hpp"
-#include "memory.hpp"
-#include "setup.hpp"
-#include "wfn.hpp"
+#include "app/fcheck.hpp"
+#include "app/memory.hpp"
+#include "app/setup.hpp"
+#include "app/wfn.hpp"
 
 namespace {
 

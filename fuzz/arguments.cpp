@@ -2,10 +2,10 @@
 #include <string>
 #include <vector>
 
-#include "arg.hpp"
+#include "app/help.hpp"
+#include "app/options.hpp"
 #include "fuzz.hpp"
-#include "help.hpp"
-#include "options.hpp"
+#include "lib/arg.hpp"
 
 namespace {
 

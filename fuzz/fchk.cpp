@@ -1,7 +1,7 @@
-#include "fcheck.hpp"
+#include "app/fcheck.hpp"
+#include "app/memory.hpp"
+#include "app/setup.hpp"
 #include "fuzz.hpp"
-#include "memory.hpp"
-#include "setup.hpp"
 
 void fuzz_pass(std::string_view input) {
   conf_input_convention = input.size() % 2;

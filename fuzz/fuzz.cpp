@@ -11,8 +11,8 @@
 #include <map>
 #include <string>
 
-#include "message.hpp"
-#include "setup.hpp"
+#include "app/setup.hpp"
+#include "lib/message.hpp"
 
 namespace {
 

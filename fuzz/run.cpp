@@ -4,16 +4,16 @@
 #include <cmath>
 #include <span>
 
-#include "../tests/text.hpp"
-#include "fcheck.hpp"
+#include "tests/text.hpp"
+#include "app/fcheck.hpp"
+#include "app/occupation.hpp"
+#include "app/report.hpp"
+#include "app/rows.hpp"
+#include "app/setup.hpp"
+#include "app/sweep.hpp"
+#include "app/wfn.hpp"
 #include "fuzz.hpp"
-#include "occupation.hpp"
-#include "report.hpp"
-#include "rows.hpp"
-#include "setup.hpp"
-#include "str_real.hpp"
-#include "sweep.hpp"
-#include "wfn.hpp"
+#include "lib/str_real.hpp"
 
 // A whole run on a small grid. The data of every kind of cube file, by the kernels of both sweeps, must be
 // those of the point-by-point functions.

@@ -2,7 +2,7 @@
 
 #include <bit>
 
-#include "arg.hpp"
+#include "lib/arg.hpp"
 #include "support.hpp"
 
 namespace {

@@ -1,6 +1,6 @@
-#include "config.hpp"
+#include "app/config.hpp"
 
-#include "setup.hpp"
+#include "app/setup.hpp"
 #include "support.hpp"
 
 namespace {

@@ -1,16 +1,16 @@
-#include "convention.hpp"
+#include "app/convention.hpp"
 
-#include "comp.hpp"
-#include "cube.hpp"
-#include "eval.hpp"
-#include "fcheck.hpp"
-#include "occupation.hpp"
-#include "options.hpp"
-#include "orbit.hpp"
-#include "overlap.hpp"
-#include "rows.hpp"
+#include "app/comp.hpp"
+#include "app/cube.hpp"
+#include "app/eval.hpp"
+#include "app/fcheck.hpp"
+#include "app/occupation.hpp"
+#include "app/options.hpp"
+#include "app/orbit.hpp"
+#include "app/overlap.hpp"
+#include "app/rows.hpp"
+#include "app/wfn.hpp"
 #include "small_files.hpp"
-#include "wfn.hpp"
 
 namespace {
 

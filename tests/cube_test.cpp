@@ -1,6 +1,6 @@
-#include "cube.hpp"
+#include "app/cube.hpp"
 
-#include "fcheck.hpp"
+#include "app/fcheck.hpp"
 #include "small_files.hpp"
 
 TEST(Grid, AutomaticBoxFollowsTheAtoms) {

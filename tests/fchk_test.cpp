@@ -1,7 +1,7 @@
-#include "fcheck.hpp"
+#include "app/fcheck.hpp"
 
-#include "reorder.hpp"
-#include "shell.hpp"
+#include "app/reorder.hpp"
+#include "app/shell.hpp"
 #include "small_files.hpp"
 
 namespace {

@@ -2,10 +2,10 @@
 
 #include <map>
 
-#include "exponential.hpp"
-#include "norm.hpp"
-#include "power.hpp"
-#include "prim.hpp"
+#include "app/exponential.hpp"
+#include "app/norm.hpp"
+#include "app/power.hpp"
+#include "app/prim.hpp"
 
 namespace {
 

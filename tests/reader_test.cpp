@@ -1,6 +1,6 @@
-#include "reader.hpp"
+#include "lib/reader.hpp"
 
-#include "string.hpp"
+#include "lib/string.hpp"
 #include "support.hpp"
 
 namespace {

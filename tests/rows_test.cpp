@@ -1,10 +1,10 @@
-#include "rows.hpp"
+#include "app/rows.hpp"
 
-#include "comp.hpp"
-#include "eval.hpp"
-#include "fcheck.hpp"
-#include "occupation.hpp"
-#include "rows_bound.hpp"
+#include "app/comp.hpp"
+#include "app/eval.hpp"
+#include "app/fcheck.hpp"
+#include "app/occupation.hpp"
+#include "app/rows_bound.hpp"
 #include "small_files.hpp"
 
 namespace {

@@ -2,10 +2,10 @@
 
 #include <sys/wait.h>
 
-#include "basis.hpp"
-#include "cube.hpp"
-#include "memory.hpp"
-#include "orbit.hpp"
+#include "app/basis.hpp"
+#include "app/cube.hpp"
+#include "app/memory.hpp"
+#include "app/orbit.hpp"
 #include "small_files.hpp"
 
 namespace {

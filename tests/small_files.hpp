@@ -2,10 +2,10 @@
 
 #include <optional>
 
-#include "memory.hpp"
-#include "message.hpp"
-#include "setup.hpp"
-#include "shell.hpp"
+#include "app/memory.hpp"
+#include "app/setup.hpp"
+#include "app/shell.hpp"
+#include "lib/message.hpp"
 #include "support.hpp"
 
 // Small wavefunction files, made in memory.

@@ -26,8 +26,8 @@
 #include <utility>
 #include <vector>
 
-#include "setup.hpp"
-#include "sweep.hpp"
+#include "app/setup.hpp"
+#include "app/sweep.hpp"
 #include "text.hpp"
 
 // Helpers of all tests, and the standard headers that nearly all of them need.

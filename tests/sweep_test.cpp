@@ -1,13 +1,13 @@
-#include "sweep.hpp"
+#include "app/sweep.hpp"
 
-#include "comp.hpp"
-#include "eval.hpp"
-#include "fcheck.hpp"
-#include "grid.hpp"
-#include "pack.hpp"
+#include "app/comp.hpp"
+#include "app/eval.hpp"
+#include "app/fcheck.hpp"
+#include "app/grid.hpp"
+#include "app/pack.hpp"
+#include "app/wfn.hpp"
+#include "lib/str_real.hpp"
 #include "small_files.hpp"
-#include "str_real.hpp"
-#include "wfn.hpp"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "comp.hpp"
-#include "vec_base.hpp"
+#include "app/comp.hpp"
+#include "lib/vec_base.hpp"
 
 // Text in memory, and the data of cube files as text: what tests and fuzz harnesses compare.
 

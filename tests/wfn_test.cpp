@@ -1,6 +1,6 @@
-#include "wfn.hpp"
+#include "app/wfn.hpp"
 
-#include "fcheck.hpp"
+#include "app/fcheck.hpp"
 #include "small_files.hpp"
 
 namespace {

@@ -1,12 +1,12 @@
 // The tree of the bonds and the Z-matrix.
 
-#include "zmat.hpp"
-#include "dmat.hpp"
-#include "graph.hpp"
-#include "mat_base.hpp"
+#include "app/zmat.hpp"
+#include "app/dmat.hpp"
+#include "app/graph.hpp"
+#include "app/units.hpp"
+#include "lib/mat_base.hpp"
+#include "lib/vec_oper.hpp"
 #include "support.hpp"
-#include "units.hpp"
-#include "vec_oper.hpp"
 
 namespace {
 
