@@ -1,14 +1,14 @@
 #include <cstdio>
 #include <new>
 
-#include "app/config.hpp"
-#include "app/cube.hpp"
-#include "app/fcheck.hpp"
-#include "app/memory.hpp"
-#include "app/options.hpp"
+#include "app/cube/cube.hpp"
+#include "app/input/config.hpp"
+#include "app/input/fcheck.hpp"
+#include "app/input/options.hpp"
+#include "app/input/wfn.hpp"
+#include "app/model/memory.hpp"
+#include "app/model/setup.hpp"
 #include "app/report.hpp"
-#include "app/setup.hpp"
-#include "app/wfn.hpp"
 #include "lib/file.hpp"
 #include "lib/message.hpp"
 

@@ -7,13 +7,13 @@
 #include <string>
 #include <vector>
 
-#include "app/basis.hpp"
-#include "app/coord.hpp"
-#include "app/dmat.hpp"
-#include "app/orbit.hpp"
-#include "app/setup.hpp"
-#include "app/units.hpp"
-#include "app/zmat.hpp"
+#include "app/listing/basis.hpp"
+#include "app/listing/coord.hpp"
+#include "app/listing/dmat.hpp"
+#include "app/listing/orbit.hpp"
+#include "app/listing/zmat.hpp"
+#include "app/model/setup.hpp"
+#include "app/model/units.hpp"
 #include "lib/file.hpp"
 #include "lib/mat_print.hpp"
 #include "lib/print.hpp"

@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
-#include "app/cube.hpp"
-#include "app/memory.hpp"
+#include "app/cube/cube.hpp"
+#include "app/model/memory.hpp"
 
 // The report of a run, in its order, and the choice of the cube files.
 

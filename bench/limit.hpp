@@ -2,7 +2,7 @@
 
 #include <ctime>
 
-#include "app/pack.hpp"
+#include "app/field/point/pack.hpp"
 
 // What a core can do at most: independent multiplications and additions in registers.
 

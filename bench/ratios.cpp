@@ -20,14 +20,14 @@
 #include <string>
 #include <vector>
 
-#include "app/comp.hpp"
-#include "app/cube_text.hpp"
-#include "app/eval.hpp"
-#include "app/fcheck.hpp"
-#include "app/occupation.hpp"
-#include "app/rows.hpp"
-#include "app/setup.hpp"
-#include "app/sweep.hpp"
+#include "app/cube/comp.hpp"
+#include "app/cube/cube_text.hpp"
+#include "app/field/exact/sweep.hpp"
+#include "app/field/point/eval.hpp"
+#include "app/field/rows/rows.hpp"
+#include "app/input/fcheck.hpp"
+#include "app/model/occupation.hpp"
+#include "app/model/setup.hpp"
 #include "lib/vec_base.hpp"
 #include "limit.hpp"
 

@@ -7,10 +7,10 @@
 #include <filesystem>
 #include <string>
 
-#include "app/fcheck.hpp"
-#include "app/memory.hpp"
-#include "app/setup.hpp"
-#include "app/wfn.hpp"
+#include "app/input/fcheck.hpp"
+#include "app/input/wfn.hpp"
+#include "app/model/memory.hpp"
+#include "app/model/setup.hpp"
 
 namespace {
 

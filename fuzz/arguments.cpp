@@ -2,8 +2,8 @@
 #include <string>
 #include <vector>
 
-#include "app/help.hpp"
-#include "app/options.hpp"
+#include "app/input/help.hpp"
+#include "app/input/options.hpp"
 #include "fuzz.hpp"
 #include "lib/arg.hpp"
 

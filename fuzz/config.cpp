@@ -1,4 +1,4 @@
-#include "app/config.hpp"
+#include "app/input/config.hpp"
 
 #include "fuzz.hpp"
 

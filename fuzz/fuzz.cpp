@@ -11,7 +11,7 @@
 #include <map>
 #include <string>
 
-#include "app/setup.hpp"
+#include "app/model/setup.hpp"
 #include "lib/message.hpp"
 
 namespace {

@@ -4,16 +4,16 @@
 #include <cmath>
 #include <span>
 
-#include "tests/text.hpp"
-#include "app/fcheck.hpp"
-#include "app/occupation.hpp"
+#include "app/field/exact/sweep.hpp"
+#include "app/field/rows/rows.hpp"
+#include "app/input/fcheck.hpp"
+#include "app/input/wfn.hpp"
+#include "app/model/occupation.hpp"
+#include "app/model/setup.hpp"
 #include "app/report.hpp"
-#include "app/rows.hpp"
-#include "app/setup.hpp"
-#include "app/sweep.hpp"
-#include "app/wfn.hpp"
 #include "fuzz.hpp"
 #include "lib/str_real.hpp"
+#include "tests/text.hpp"
 
 // A whole run on a small grid. The data of every kind of cube file, by the kernels of both sweeps, must be
 // those of the point-by-point functions.

@@ -1,6 +1,6 @@
-#include "app/wfn.hpp"
-#include "app/memory.hpp"
-#include "app/setup.hpp"
+#include "app/input/wfn.hpp"
+#include "app/model/memory.hpp"
+#include "app/model/setup.hpp"
 #include "fuzz.hpp"
 
 void fuzz_pass(std::string_view input) {

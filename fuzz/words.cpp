@@ -1,8 +1,8 @@
 #include <cstdio>
 #include <string_view>
 
-#include "app/config.hpp"
-#include "app/fcheck_sections.hpp"
+#include "app/input/config.hpp"
+#include "app/input/fcheck_sections.hpp"
 
 // Prints the words of one of the program's tables, as the dictionary of a harness: orva_words fchk|config.
 int main(int argc, char** argv) {

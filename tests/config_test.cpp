@@ -1,6 +1,6 @@
-#include "app/config.hpp"
+#include "app/input/config.hpp"
 
-#include "app/setup.hpp"
+#include "app/model/setup.hpp"
 #include "support.hpp"
 
 namespace {

@@ -1,6 +1,6 @@
-#include "app/cube.hpp"
+#include "app/cube/cube.hpp"
 
-#include "app/fcheck.hpp"
+#include "app/input/fcheck.hpp"
 #include "small_files.hpp"
 
 TEST(Grid, AutomaticBoxFollowsTheAtoms) {

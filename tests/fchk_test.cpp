@@ -1,7 +1,7 @@
-#include "app/fcheck.hpp"
+#include "app/input/fcheck.hpp"
 
-#include "app/reorder.hpp"
-#include "app/shell.hpp"
+#include "app/input/reorder.hpp"
+#include "app/model/shell.hpp"
 #include "small_files.hpp"
 
 namespace {

@@ -2,10 +2,10 @@
 
 #include <map>
 
-#include "app/exponential.hpp"
-#include "app/norm.hpp"
-#include "app/power.hpp"
-#include "app/prim.hpp"
+#include "app/field/point/exponential.hpp"
+#include "app/field/point/norm.hpp"
+#include "app/field/point/power.hpp"
+#include "app/field/point/prim.hpp"
 
 namespace {
 

@@ -1,10 +1,10 @@
-#include "app/rows.hpp"
+#include "app/field/rows/rows.hpp"
 
-#include "app/comp.hpp"
-#include "app/eval.hpp"
-#include "app/fcheck.hpp"
-#include "app/occupation.hpp"
-#include "app/rows_bound.hpp"
+#include "app/cube/comp.hpp"
+#include "app/field/point/eval.hpp"
+#include "app/field/rows/rows_bound.hpp"
+#include "app/input/fcheck.hpp"
+#include "app/model/occupation.hpp"
 #include "small_files.hpp"
 
 namespace {

@@ -2,10 +2,10 @@
 
 #include <sys/wait.h>
 
-#include "app/basis.hpp"
-#include "app/cube.hpp"
-#include "app/memory.hpp"
-#include "app/orbit.hpp"
+#include "app/cube/cube.hpp"
+#include "app/listing/basis.hpp"
+#include "app/listing/orbit.hpp"
+#include "app/model/memory.hpp"
 #include "small_files.hpp"
 
 namespace {

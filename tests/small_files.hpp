@@ -2,9 +2,9 @@
 
 #include <optional>
 
-#include "app/memory.hpp"
-#include "app/setup.hpp"
-#include "app/shell.hpp"
+#include "app/model/memory.hpp"
+#include "app/model/setup.hpp"
+#include "app/model/shell.hpp"
 #include "lib/message.hpp"
 #include "support.hpp"
 

@@ -26,8 +26,8 @@
 #include <utility>
 #include <vector>
 
-#include "app/setup.hpp"
-#include "app/sweep.hpp"
+#include "app/field/exact/sweep.hpp"
+#include "app/model/setup.hpp"
 #include "text.hpp"
 
 // Helpers of all tests, and the standard headers that nearly all of them need.

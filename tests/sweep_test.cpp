@@ -1,11 +1,11 @@
-#include "app/sweep.hpp"
+#include "app/field/exact/sweep.hpp"
 
-#include "app/comp.hpp"
-#include "app/eval.hpp"
-#include "app/fcheck.hpp"
-#include "app/grid.hpp"
-#include "app/pack.hpp"
-#include "app/wfn.hpp"
+#include "app/cube/comp.hpp"
+#include "app/field/point/eval.hpp"
+#include "app/field/point/pack.hpp"
+#include "app/input/fcheck.hpp"
+#include "app/input/wfn.hpp"
+#include "app/model/grid.hpp"
 #include "lib/str_real.hpp"
 #include "small_files.hpp"
 

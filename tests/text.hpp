@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/comp.hpp"
+#include "app/cube/comp.hpp"
 #include "lib/vec_base.hpp"
 
 // Text in memory, and the data of cube files as text: what tests and fuzz harnesses compare.

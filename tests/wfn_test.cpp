@@ -1,6 +1,6 @@
-#include "app/wfn.hpp"
+#include "app/input/wfn.hpp"
 
-#include "app/fcheck.hpp"
+#include "app/input/fcheck.hpp"
 #include "small_files.hpp"
 
 namespace {

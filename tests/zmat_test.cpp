@@ -1,9 +1,9 @@
 // The tree of the bonds and the Z-matrix.
 
-#include "app/zmat.hpp"
-#include "app/dmat.hpp"
-#include "app/graph.hpp"
-#include "app/units.hpp"
+#include "app/listing/zmat.hpp"
+#include "app/listing/dmat.hpp"
+#include "app/listing/graph.hpp"
+#include "app/model/units.hpp"
 #include "lib/mat_base.hpp"
 #include "lib/vec_oper.hpp"
 #include "support.hpp"

@@ -1,8 +1,0 @@
-#include "app/component.hpp"
-
-#include "app/exponential.hpp"
-
-double prim_fce_exp(const BasisFunction* function, unsigned i, const double* point) {
-  const Vector<double> offset = prim_offset<double>({point[0], point[1], point[2]}, function->atom->coord);
-  return exponential(prim_r2(offset) * -function->exponents[i]);
-}

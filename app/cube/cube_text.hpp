@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <span>
+
+#include "app/model/grid.hpp"
+
+/// The data of a cube file as text: "%13.5e" each, six values to a line, every row of the third axis on a new
+/// line.
+class CubeText {
+ public:
+  /// Text that is written to `stream`; all of it is there when this is destroyed.
+  CubeText(std::FILE* stream, unsigned row_length);
+
+  /// Text that is kept in memory: `room` bytes, which must do for all that is put.
+  CubeText(std::span<char> room, unsigned row_length);
+
+  ~CubeText();
+  CubeText(const CubeText&) = delete;
+  CubeText& operator=(const CubeText&) = delete;
+
+  /// Bytes of the text of a number of whole rows.
+  static std::size_t size_of(std::size_t row_count, unsigned row_length);
+
+  /// Appends values; rows end where they are full.
+  void put(std::span<const double> values);
+
+  /// Appends a row of values that are known to a relative tolerance each, behind whole rows only. Where that
+  /// leaves a text in doubt, `in_doubt` is set for the value, and `correct` is to follow.
+  void put_row(std::span<const double> values, std::span<const double> tolerances,
+               std::span<unsigned char> in_doubt);
+
+  /// Appends a row each value of which is to follow by `correct`, behind whole rows only.
+  void put_empty_row();
+
+  /// Gives a value of that row anew, by its number in the row.
+  void correct(unsigned number, double value);
+
+ private:
+  char* add_row();
+  void make_room(std::size_t size);
+
+  std::FILE* stream_;
+  unsigned row_length_, in_row_ = 0;
+  std::size_t used_ = 0, row_start_ = 0;
+  std::unique_ptr<char[]> own_;
+  std::span<char> text_;
+};

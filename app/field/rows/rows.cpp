@@ -1,0 +1,99 @@
+#include "app/field/rows/rows.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <new>
+
+namespace {
+
+// For the instruction set of the exact sweep's kernel, or for any.
+const RowKernel& kernel_like(const SweepKernel& exact) {
+  static constexpr std::array kernels = {
+#if defined(__x86_64__)
+    &rows_avx512,
+    &rows_avx2,
+#endif
+    &rows_plain
+  };
+  for (const RowKernel* kernel : kernels) {
+    if (std::strcmp(kernel->name, exact.name) == 0 && kernel->is_supported()) {
+      return *kernel;
+    }
+  }
+  return rows_plain;
+}
+
+}  // namespace
+
+std::unique_ptr<RowSweep> RowSweep::make(const Molecule* molecule, const CubeDefinition* cube,
+                                         const SweepKernel& kernel, SweepField field,
+                                         std::span<const WeightedOrbital> orbitals) try {
+  const RowKernel& row_kernel = kernel_like(kernel);
+  std::unique_ptr<RowTables> tables = rows_build(molecule, cube, row_kernel, field, orbitals);
+  if (tables == nullptr) {
+    return nullptr;
+  }
+  tables->plan.is_restricted = occupation_of(molecule).is_restricted;
+  return std::unique_ptr<RowSweep>(new RowSweep(std::move(tables), row_kernel, cube->npoints[2]));
+} catch (const std::bad_alloc&) {
+  return nullptr;
+}
+
+RowSweep::RowSweep(std::unique_ptr<RowTables> tables, const RowKernel& kernel, unsigned row_length)
+    : tables_(std::move(tables)), kernel_(kernel), row_length_(row_length) {
+  const RowPlan& plan = tables_->plan;
+  piece_.stride = std::size_t{plan.tile_room} * kernel_.tile_points;
+  const std::size_t field_count = plan.field == SweepField::density_and_potential ? 2 : plan.orbital_count;
+  fields_.resize(field_count * piece_.stride);
+  tolerances_.resize(fields_.size());
+  lay_out();
+}
+
+// The working memory of a piece.
+void RowSweep::lay_out() {
+  const RowPlan& plan = tables_->plan;
+  const std::size_t tiles = kernel_.piece_tiles;
+  const std::pair<double**, std::size_t> parts[] = {
+      {&piece_.weights, tables_->terms.size()},
+      {&piece_.products, std::size_t{plan.atom_count} * row_powers * row_powers},
+      {&piece_.peaks, plan.function_count * tiles},
+      {&piece_.shares, 2 * tiles * plan.radial_count},
+      {&piece_.values, plan.function_count * tiles * kernel_.tile_points},
+      {&piece_.coefficients, std::size_t{plan.function_count} * plan.stride},
+      {&piece_.magnitudes, tables_->magnitudes.empty() ? 0 : std::size_t{plan.function_count} * plan.stride}};
+  const auto rounded_up = [](std::size_t size) { return (size + 7) / 8 * 8; };  // to whole cache lines
+  std::size_t total = 0;
+  for (const auto& [pointer, size] : parts) {
+    total += rounded_up(size);
+  }
+  memory_.resize(total);
+  double* next = memory_.data();
+  for (const auto& [pointer, size] : parts) {
+    *pointer = next;
+    next += rounded_up(size);
+  }
+  uses_.resize(plan.radial_count);
+  functions_.resize((tiles + 1) * plan.function_count);
+  piece_.uses = uses_.data();
+  piece_.functions = functions_.data();
+}
+
+void RowSweep::run(unsigned i, unsigned j) {
+  const unsigned indices[2] = {i, j};
+  for (unsigned c = 0; c < 2; ++c) {
+    piece_.across[c] = indices[tables_->index[c]];
+  }
+  // Pieces of nearly equal length.
+  const unsigned tile_count = (row_length_ + kernel_.tile_points - 1) / kernel_.tile_points;
+  const unsigned piece_count = (tile_count + kernel_.piece_tiles - 1) / kernel_.piece_tiles;
+  const auto start_of = [&](std::size_t p) { return static_cast<unsigned>(p * tile_count / piece_count); };
+  for (unsigned p = 0; p < piece_count; ++p) {
+    RowPiece piece = piece_;
+    piece.first_tile = start_of(p);
+    piece.tile_count = start_of(p + 1) - piece.first_tile;
+    piece.fields = fields_.data() + std::size_t{piece.first_tile} * kernel_.tile_points;
+    piece.tolerances = tolerances_.data() + std::size_t{piece.first_tile} * kernel_.tile_points;
+    kernel_.run(tables_->plan, piece);
+  }
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+#include <span>
+
+#include "app/field/exact/aligned.hpp"
+#include "app/field/rows/rows_build.hpp"
+#include "app/model/grid.hpp"
+#include "app/model/memory.hpp"
+#include "app/model/occupation.hpp"
+
+// Fields at the points of whole rows, cheaper than the exact sweep gives them and with a bound of how far
+// they may lie from what it gives. Gaussians are products along the axes, and functions of the same radial
+// become one in a row; what is next to nothing is left out.
+
+class RowSweep {
+ public:
+  /// Null if the exact sweep must do it all: see rows_build; also if there is no memory for rows. `kernel` is
+  /// that of the exact sweep, for whose instruction set rows are then evaluated.
+  static std::unique_ptr<RowSweep> make(const Molecule* molecule, const CubeDefinition* cube,
+                                        const SweepKernel& kernel, SweepField field,
+                                        std::span<const WeightedOrbital> orbitals);
+
+  /// Evaluates the fields in the row of the first two indices.
+  void run(unsigned i, unsigned j);
+
+  /// What the last run found for each point of the row; numbers as for Sweep::field.
+  std::span<const double> field(std::size_t number) const { return part_of(fields_, number); }
+
+  /// How far, relatively, the exact sweep's values may lie from these; infinite or NaN where nothing is
+  /// known.
+  std::span<const double> tolerances(std::size_t number) const { return part_of(tolerances_, number); }
+
+ private:
+  RowSweep(std::unique_ptr<RowTables> tables, const RowKernel& kernel, unsigned row_length);
+  void lay_out();
+  std::span<const double> part_of(const AlignedDoubles& values, std::size_t number) const {
+    return {values.data() + number * piece_.stride, row_length_};
+  }
+
+  std::unique_ptr<RowTables> tables_;
+  const RowKernel& kernel_;
+  unsigned row_length_;
+  RowPiece piece_{};
+  AlignedDoubles fields_, tolerances_, memory_;
+  std::vector<RowUse> uses_;
+  std::vector<unsigned> functions_;
+};

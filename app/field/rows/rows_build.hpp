@@ -1,0 +1,16 @@
+#pragma once
+
+#include <memory>
+#include <span>
+
+#include "app/field/rows/rows_tables.hpp"
+#include "app/model/grid.hpp"
+#include "app/model/memory.hpp"
+#include "app/model/occupation.hpp"
+
+/// Makes the plan. Null if the exact sweep must do it all: the steps of the grid do not lie along the axes,
+/// its rows are short or so long that the tables of their Gaussians would fill the memory, there are no
+/// orbitals, or a number is too large, too small or undefined for the bound to hold.
+std::unique_ptr<RowTables> rows_build(const Molecule* molecule, const CubeDefinition* cube,
+                                      const RowKernel& kernel, SweepField field,
+                                      std::span<const WeightedOrbital> orbitals);

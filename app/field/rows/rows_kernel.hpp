@@ -1,0 +1,370 @@
+#pragma once
+
+#include <cmath>
+
+#include "app/field/point/eval.hpp"
+#include "app/field/point/pack.hpp"
+#include "app/field/rows/rows_bound.hpp"
+#include "app/field/rows/rows_plan.hpp"
+
+// The sweep over a piece of a row, for one type of pack. Included once by the translation unit of each
+// instruction set, with a pack type of an unnamed namespace. Sums may be fused here: the bound holds either
+// way.
+
+/// One pass over a piece of a row. A tile is `TilePacks` packs wide; its orbital sums are formed for up to
+/// `TileOrbitals` orbitals at once, so that the sums stay in registers: 24 of the 32 of AVX-512, 12 of the 16
+/// of AVX2, and 8 of 16 where products are not fused with sums and need registers of their own.
+template <class Real, unsigned TilePacks, unsigned TileOrbitals>
+class RowPass {
+ public:
+  static constexpr RowKernel kernel(const char* name, bool (*is_supported)()) {
+    return {name, is_supported, Real::lanes, tile_points, TileOrbitals, piece_tiles, run};
+  }
+
+ private:
+  static constexpr unsigned tile_points = TilePacks * Real::lanes;
+  static constexpr unsigned piece_tiles = 128 / tile_points;
+  static constexpr unsigned any_tile = piece_tiles;  // the list of what is used in at least one tile
+  static constexpr unsigned tile_packs = piece_tiles / Real::lanes;  // with a tile in each lane
+  static_assert(tile_packs * Real::lanes * tile_points == 128);
+
+  static void run(const RowPlan& plan, const RowPiece& piece) {
+    RowPass pass(plan, piece);
+    pass.weigh();
+    pass.choose();
+    pass.evaluate_functions();
+    unsigned first_orbital = 0;
+    for (unsigned c = 0; c < plan.chunk_count; ++c) {
+      pass.collapse(plan.chunks[c]);
+      pass.evaluate_orbitals(plan.chunks[c], first_orbital);
+      first_orbital += plan.chunks[c].count;
+    }
+    if (plan.field == SweepField::density_and_potential) {
+      pass.finish_density();
+    }
+  }
+
+  RowPass(const RowPlan& plan, const RowPiece& piece) : plan_(plan), piece_(piece), in_reach_(piece.uses) {}
+
+  // What each radial in reach can come to at most in each tile, over all its functions and all orbitals.
+  void weigh() {
+    for (unsigned a = 0; a < plan_.atom_count; ++a) {
+      const RowAtom& atom = plan_.atoms[a];
+      const double first = atom.across[0][piece_.across[0]], second = atom.across[1][piece_.across[1]];
+      const double distance2 = first * first + second * second;
+      double* const products = products_of(a);
+      multiply_out(atom, first, second, products);
+      for (unsigned r = atom.first_radial; r < atom.first_radial + atom.radial_count; ++r) {
+        const RowRadial& radial = plan_.radials[r];
+        const RowTerm* const terms = plan_.terms + radial.first_term;
+        unsigned out_of_reach = 0;
+        while (out_of_reach < radial.term_count && terms[out_of_reach].reach < distance2) {
+          ++out_of_reach;
+        }
+        if (out_of_reach < radial.term_count) {
+          weigh_radial(r, out_of_reach, products);
+        }
+      }
+    }
+  }
+
+  double* products_of(unsigned atom) const {
+    return piece_.products + std::size_t{atom} * row_powers * row_powers;
+  }
+
+  // Powers of the first offset across times powers of the second.
+  static void multiply_out(const RowAtom& atom, double first, double second, double* products) {
+    double power = 1.0;
+    for (unsigned p = 0; p <= atom.power_max; ++p) {
+      double product = power;
+      for (unsigned q = 0; p + q <= atom.power_max; ++q) {
+        products[p * row_powers + q] = product;
+        product *= second;
+      }
+      power *= first;
+    }
+  }
+
+  void weigh_radial(unsigned number, unsigned first_term, const double* products) {
+    const RowRadial& radial = plan_.radials[number];
+    const RowTerm* const terms = plan_.terms + radial.first_term + first_term;
+    double* const weights = piece_.weights + radial.first_term + first_term;
+    const unsigned term_count = radial.term_count - first_term;
+    for (unsigned t = 0; t < term_count; ++t) {
+      weights[t] =
+          terms[t].weight * terms[t].across[0][piece_.across[0]] * terms[t].across[1][piece_.across[1]];
+    }
+    in_reach_[in_reach_count_++] = {
+        .radial = number, .first_term = first_term, .first_tile = 0, .end_tile = 0};
+    Real shares[2][tile_packs] = {};
+    const unsigned packs = (piece_.tile_count + Real::lanes - 1) / Real::lanes;
+    for (unsigned power = 0; power <= radial.power_max; ++power) {
+      double norms[2] = {};
+      for (unsigned m = radial.monomials[power]; m < radial.monomials[power + 1]; ++m) {
+        const double product = std::fabs(products[plan_.monomials[m].across]);
+        norms[0] += product * plan_.monomials[m].norms[0];
+        norms[1] += product * plan_.monomials[m].norms[1];
+      }
+      double* const peaks = piece_.peaks + std::size_t{radial.first_function + power} * piece_tiles;
+      for (unsigned p = 0; p < packs; ++p) {
+        const std::size_t at = std::size_t{power} * plan_.tile_room + piece_.first_tile + p * Real::lanes;
+        Real peak = 0.0;
+        for (unsigned t = 0; t < term_count; ++t) {
+          peak = peak + std::fabs(weights[t]) * Real::load(terms[t].peaks + at);
+        }
+        peak.store(peaks + p * Real::lanes);
+        shares[0][p] = shares[0][p] + norms[0] * peak;
+        shares[1][p] = shares[1][p] + norms[1] * peak;
+      }
+    }
+    for (unsigned norm = 0; norm < 2; ++norm) {
+      double* const to = shares_of(number, norm);
+      for (unsigned p = 0; p < packs; ++p) {
+        shares[norm][p].store(to + p * Real::lanes);
+        totals_[norm][p] = totals_[norm][p] + shares[norm][p];
+      }
+    }
+  }
+
+  double* shares_of(unsigned radial, unsigned norm) const {
+    return piece_.shares + (std::size_t{radial} * 2 + norm) * piece_tiles;
+  }
+
+  // Leaves out the radials that come to next to nothing in a tile, and sets the bounds.
+  void choose() {
+    double totals[2][piece_tiles], left_out[2][piece_tiles] = {};
+    for (unsigned norm = 0; norm < 2; ++norm) {
+      for (unsigned p = 0; p < tile_packs; ++p) {
+        totals_[norm][p].store(totals[norm] + p * Real::lanes);
+      }
+    }
+    unsigned summand_counts[piece_tiles] = {}, used_count = 0;
+    for (unsigned n = 0; n < in_reach_count_; ++n) {
+      RowUse use = in_reach_[n];
+      const RowRadial& radial = plan_.radials[use.radial];
+      const double* const shares[2] = {shares_of(use.radial, 0), shares_of(use.radial, 1)};
+      for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
+        if (shares[0][tile] > plan_.cut * totals[0][tile]) {
+          add_functions(radial, tile);
+          summand_counts[tile] += radial.basis_count + radial.power_max + 1;
+          use.first_tile = use.end_tile == 0 ? tile : use.first_tile;
+          use.end_tile = tile + 1;
+        } else {
+          left_out[0][tile] += shares[0][tile];
+          left_out[1][tile] += shares[1][tile];
+        }
+      }
+      if (use.end_tile > 0) {
+        in_reach_[used_count++] = use;
+        add_functions(radial, any_tile);
+      }
+    }
+    in_reach_count_ = used_count;
+    for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
+      rounding_[tile] = plan_.rounding + summand_counts[tile] * rows_rounding_of_summand;
+      for (unsigned norm = 0; norm < 2; ++norm) {
+        left_out_[norm][tile] = 2.0 * (left_out[norm][tile] + plan_.tail[norm]);
+        bounds_[norm][tile] = rounding_[tile] * totals[norm][tile] + left_out_[norm][tile];
+      }
+    }
+  }
+
+  void add_functions(const RowRadial& radial, unsigned tile) {
+    unsigned* const functions = functions_of(tile);
+    for (unsigned power = 0; power <= radial.power_max; ++power) {
+      functions[function_counts_[tile]++] = radial.first_function + power;
+    }
+  }
+
+  unsigned* functions_of(unsigned tile) const {
+    return piece_.functions + std::size_t{tile} * plan_.function_count;
+  }
+  double* values_of(unsigned tile) const {
+    return piece_.values + std::size_t{tile} * plan_.function_count * tile_points;
+  }
+
+  // The row functions of the radials in use. Most radials have few terms: with their number known when
+  // compiled, their sums need no loop.
+  void evaluate_functions() const {
+    for (unsigned n = 0; n < in_reach_count_; ++n) {
+      const RowUse& use = in_reach_[n];
+      switch (const unsigned count = plan_.radials[use.radial].term_count - use.first_term) {
+        case 1:
+          evaluate_radial(use, std::integral_constant<unsigned, 1>{});
+          break;
+        case 2:
+          evaluate_radial(use, std::integral_constant<unsigned, 2>{});
+          break;
+        case 3:
+          evaluate_radial(use, std::integral_constant<unsigned, 3>{});
+          break;
+        default:
+          evaluate_radial(use, count);
+      }
+    }
+  }
+
+  template <class Count>
+  void evaluate_radial(const RowUse& use, Count count) const {
+    const RowRadial& radial = plan_.radials[use.radial];
+    const unsigned first_term = radial.first_term + use.first_term;
+    const RowTerm* const terms = plan_.terms + first_term;
+    const double* const offsets = plan_.atoms[radial.atom].along;
+    for (unsigned tile = use.first_tile; tile < use.end_tile; ++tile) {
+      const std::size_t at = std::size_t{piece_.first_tile + tile} * tile_points;
+      double* const values = values_of(tile) + std::size_t{radial.first_function} * tile_points;
+      Real sums[TilePacks];
+      eval_contractions(
+          piece_.weights + first_term, count,
+          [&](unsigned t, std::size_t p) { return Real::load(terms[t].along + at + p * Real::lanes); }, sums);
+      for (unsigned p = 0; p < TilePacks; ++p) {
+        double* const to = values + p * Real::lanes;
+        sums[p].store(to);
+        for (unsigned power = 1; power <= radial.power_max; ++power) {
+          sums[p] = sums[p] * Real::load(offsets + at + p * Real::lanes);
+          sums[p].store(to + std::size_t{power} * tile_points);
+        }
+      }
+    }
+  }
+
+  // The coefficients of the row functions in a chunk of orbitals.
+  void collapse(const RowOrbitals& chunk) const {
+    for (unsigned n = 0; n < in_reach_count_; ++n) {
+      const RowRadial& radial = plan_.radials[in_reach_[n].radial];
+      const double* const products = products_of(radial.atom);
+      for (unsigned power = 0; power <= radial.power_max; ++power) {
+        const std::size_t at = std::size_t{radial.first_function + power} * plan_.stride;
+        for (unsigned o = 0; o < plan_.stride; o += Real::lanes) {
+          sum_monomials(radial, power, chunk.coefficients + o, [&](unsigned across) {
+            return products[across];
+          }).store(piece_.coefficients + at + o);
+          if (chunk.magnitudes != nullptr) {
+            sum_monomials(radial, power, chunk.magnitudes + o, [&](unsigned across) {
+              return std::fabs(products[across]);
+            }).store(piece_.magnitudes + at + o);
+          }
+        }
+      }
+    }
+  }
+
+  template <class Product>
+  Real sum_monomials(const RowRadial& radial, unsigned power, const double* coefficients,
+                     Product product) const {
+    Real sum = 0.0;
+    for (unsigned m = radial.monomials[power]; m < radial.monomials[power + 1]; ++m) {
+      sum =
+          sum + product(plan_.monomials[m].across) * Real::load(coefficients + std::size_t{m} * plan_.stride);
+    }
+    return sum;
+  }
+
+  void evaluate_orbitals(const RowOrbitals& chunk, unsigned first_orbital) {
+    for (unsigned g = 0; g < chunk.group_count; ++g) {
+      const unsigned first = g * chunk.count / chunk.group_count;
+      const unsigned count = (g + 1) * chunk.count / chunk.group_count - first;
+      [&]<unsigned... I>(std::integer_sequence<unsigned, I...>) {
+        ((count == I + 1 ? evaluate_group<I + 1>(chunk, first, first_orbital) : void()), ...);
+      }
+      (std::make_integer_sequence<unsigned, TileOrbitals>{});
+    }
+  }
+
+  // Orbitals of a chunk, from its number `first` on, in all tiles.
+  template <unsigned Orbitals>
+  void evaluate_group(const RowOrbitals& chunk, unsigned first, unsigned first_orbital) {
+    const double* const coefficients = piece_.coefficients + first;
+    double peaks[Orbitals][piece_tiles];
+    if (chunk.magnitudes != nullptr) {
+      find_peaks(first, peaks);
+    }
+    for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
+      const unsigned* const functions = functions_of(tile);
+      const double* const values = values_of(tile);
+      Real orbitals[Orbitals][TilePacks];
+      eval_orbitals(
+          coefficients, plan_.stride, function_counts_[tile], [&](unsigned k) { return functions[k]; },
+          [&](std::size_t f, unsigned p) { return Real::load(values + f * tile_points + p * Real::lanes); },
+          orbitals);
+      for (unsigned o = 0; o < Orbitals; ++o) {
+        if (plan_.field == SweepField::density_and_potential) {
+          for (unsigned p = 0; p < TilePacks; ++p) {
+            sums_[tile][p].add(orbitals[o][p], chunk.weights[first + o], chunk.energy_weights[first + o]);
+          }
+        } else {
+          finish_orbital(orbitals[o], tile, first_orbital + first + o,
+                         chunk.magnitudes == nullptr ? bounds_[0][tile]
+                                                     : rounding_[tile] * peaks[o][tile] + left_out_[0][tile]);
+        }
+      }
+    }
+  }
+
+  // What the orbitals come to at most in each tile: their sums as above, of magnitudes, with a tile in each
+  // lane.
+  template <unsigned Orbitals>
+  void find_peaks(unsigned first, double (&peaks)[Orbitals][piece_tiles]) const {
+    const unsigned* const functions = functions_of(any_tile);
+    for (unsigned tile = 0; tile < piece_.tile_count; tile += Real::lanes) {
+      Real sums[Orbitals][1];
+      eval_orbitals(
+          piece_.magnitudes + first, plan_.stride, function_counts_[any_tile],
+          [&](unsigned k) { return functions[k]; },
+          [&](std::size_t f, unsigned) { return Real::load(piece_.peaks + f * piece_tiles + tile); }, sums);
+      for (unsigned o = 0; o < Orbitals; ++o) {
+        sums[o][0].store(peaks[o] + tile);
+      }
+    }
+  }
+
+  void finish_orbital(const Real (&values)[TilePacks], unsigned tile, std::size_t orbital,
+                      double bound) const {
+    for (unsigned p = 0; p < TilePacks; ++p) {
+      const std::size_t at = orbital * piece_.stride + std::size_t{tile} * tile_points + p * Real::lanes;
+      const Real relative = bound / higher_of(values[p], 0.0 - values[p]);
+      if (plan_.field == SweepField::orbital) {
+        values[p].store(piece_.fields + at);
+        relative.store(piece_.tolerances + at);
+      } else {
+        eval_square(values[p]).store(piece_.fields + at);
+        rows_square_tolerance(relative).store(piece_.tolerances + at);
+      }
+    }
+  }
+
+  void finish_density() const {
+    for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
+      double density = HUGE_VAL, weighted = HUGE_VAL;
+      for (const OccupiedSums<Real>& sums : sums_[tile]) {
+        density = lower_of(density, lowest(sums.density));
+        weighted = lower_of(weighted, lowest(sums.weighted));
+      }
+      const double tolerance = rows_sum_tolerance(bounds_[0][tile], density, plan_.orbital_count);
+      const double weighted_tolerance = rows_sum_tolerance(bounds_[1][tile], weighted, plan_.orbital_count);
+      // Without energies 0 divided by a density that is not 0: exactly 0.
+      const double potential_tolerance = plan_.has_energies
+                                             ? rows_quotient_tolerance(weighted_tolerance, tolerance)
+                                         : tolerance < 0.5 ? 0.0
+                                                           : HUGE_VAL;
+      for (unsigned p = 0; p < TilePacks; ++p) {
+        const OccupiedSums<Real>& sums = sums_[tile][p];
+        double* const field = piece_.fields + std::size_t{tile} * tile_points + p * Real::lanes;
+        double* const relative = piece_.tolerances + (field - piece_.fields);
+        eval_total(sums, plan_.is_restricted).store(field);
+        eval_potential(sums, false).store(field + piece_.stride);
+        Real(tolerance).store(relative);
+        Real(potential_tolerance).store(relative + piece_.stride);
+      }
+    }
+  }
+
+  Real totals_[2][tile_packs] = {};
+  OccupiedSums<Real> sums_[piece_tiles][TilePacks];
+  double rounding_[piece_tiles], left_out_[2][piece_tiles], bounds_[2][piece_tiles];
+  const RowPlan& plan_;
+  const RowPiece& piece_;
+  RowUse* const in_reach_;  // the radials in reach, then those in use
+  unsigned function_counts_[any_tile + 1] = {};
+  unsigned in_reach_count_ = 0;
+};

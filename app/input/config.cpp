@@ -1,0 +1,257 @@
+#include "app/input/config.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <limits>
+#include <span>
+#include <string_view>
+#include <system_error>
+
+#include "app/model/setup.hpp"
+#include "lib/file.hpp"
+#include "lib/message.hpp"
+#include "lib/str_sub.hpp"
+
+namespace {
+
+constexpr unsigned line_size = 1024;  // of the buffer of a line, terminator included
+constexpr unsigned word_size = 32;    // of the buffers of name and setting, terminator included
+
+constexpr const char* bad_name = "wrong format of config file - item name";
+constexpr const char* bad_setting = "wrong format of config file - setting";
+
+// As atoi, but held at the limits of int, where atoi may do anything.
+int integer(const char* setting) {
+  return static_cast<int>(std::clamp<long>(std::strtol(setting, nullptr, 10), std::numeric_limits<int>::min(),
+                                           std::numeric_limits<int>::max()));
+}
+
+std::int16_t check_positive(const char* setting) { return conf_check_intgt(setting, 0); }
+std::int16_t check_natural(const char* setting) { return conf_check_intgt(setting, -1); }
+
+struct NumericItem {
+  std::string_view name;
+  std::int16_t* target;
+  std::int16_t (*check)(const char* setting);
+};
+
+constexpr std::array numeric_items = {
+    NumericItem{"PRINT_COORD", &conf_print_coord, check_bool},
+    NumericItem{"PRINT_ZMAT", &conf_print_zmat, check_bool},
+    NumericItem{"PRINT_DIST_MAT", &conf_print_dmat, check_bool},
+    NumericItem{"PRINT_SHELL", &conf_print_shell, check_bool},
+    NumericItem{"PRINT_BASE", &conf_print_base, check_bool},
+    NumericItem{"PRINTED_WIDTH", &conf_width, check_positive},
+    NumericItem{"PRINT_MO", &conf_print_mo, check_bool},
+    NumericItem{"PRINT_CUBE", &conf_print_cube, check_bool},
+    NumericItem{"CUBE_TOT_DENSITY", &conf_cube_totd, check_bool},
+    NumericItem{"CUBE_ALL_MO", &conf_cube_allmo, check_bool},
+    NumericItem{"CUBE_ONE_MO", &conf_cube_onemo, check_bool},
+    NumericItem{"CUBE_ONE_TYPE", &conf_cube_onety, check_bool},
+    NumericItem{"CUBE_ONE_SPEC", &conf_cube_onesp, check_natural},
+    NumericItem{"CUBE_ONE_MODEN", &conf_cube_moden, check_natural},
+    NumericItem{"CUBE_ORVA", &conf_cube_orva, check_bool},
+    NumericItem{"PRINT_CUBE_PAR", &conf_print_cubp, check_bool},
+    NumericItem{"INPUT_CONVENTION", &conf_input_convention, check_bool},
+};
+static_assert(numeric_items.size() == 17, "file names and the grid have tables of their own");
+
+struct FileNameItem {
+  std::string_view name;
+  char* target;  // file_name_size bytes
+};
+
+constexpr std::array file_name_items = {
+    FileNameItem{"CUBE_FILE_DENSITY", glob_cube_file_tot},
+    FileNameItem{"CUBE_FILE_ORBITAL", glob_cube_file_orb},
+    FileNameItem{"CUBE_FILE_MODEN", glob_cube_file_mod},
+    FileNameItem{"CUBE_FILE_ORVA", glob_cube_file_orva},
+};
+
+constexpr std::string_view grid_item = "DEFINE_CUBE";
+
+// Null if there is no such file. A directory could be opened, but not read.
+std::FILE* open_if_file(const char* path) {
+  std::error_code ignored;
+  return std::filesystem::is_directory(path, ignored) ? nullptr : std::fopen(path, "r");
+}
+
+template <class Items>
+constexpr auto find_item(const Items& items, std::string_view name) {
+  return std::find_if(items.begin(), items.end(), [name](const auto& item) { return item.name == name; });
+}
+
+// Part of a line between blanks.
+struct Word {
+  unsigned begin;
+  unsigned end;
+
+  bool is_empty() const { return begin == end; }
+  bool fits() const { return end < line_size - 1 && end - begin < word_size; }
+};
+
+Word next_word(const char* line, unsigned from) {
+  const auto begin = from + static_cast<unsigned>(std::strspn(line + from, " \t"));
+  const auto end = begin + static_cast<unsigned>(std::strcspn(line + begin, " \t\n"));
+  return {begin, end};
+}
+
+// The first piece of a line; the rest of a longer one is dropped.
+bool read_whole_line(Reader* stream, std::span<char> piece) {
+  if (!stream->line(piece)) {
+    return false;
+  }
+  std::array<char, line_size> rest;
+  for (const char* end = piece.data(); std::strchr(end, '\n') == nullptr && stream->line(rest);) {
+    end = rest.data();
+  }
+  return true;
+}
+
+template <class Value>
+void read_values(Reader* stream, std::span<Value> values, const char* failure) {
+  for (Value& value : values) {
+    if (!stream->number(value)) {
+      msg_fatal(failure);
+    }
+  }
+}
+
+void read_vectors(Reader* stream, CubeDefinition* cube) {
+  std::array<char, line_size> line;
+  if (!read_whole_line(stream, line)) {
+    msg_fatal("unexpected end of config file while reading cube definition");
+  }
+  for (auto& [x, y, z] : cube->vectors) {
+    if (!read_whole_line(stream, line)) {
+      msg_fatal("unexpected end of file while reading cube definition");
+    }
+    if (std::sscanf(line.data(), "%lf%lf%lf", &x, &y, &z) != 3) {
+      msg_fatal("cannot read vectors in cube definition");
+    }
+  }
+}
+
+void read_point_counts(Reader* stream, CubeDefinition* cube) {
+  constexpr const char* failure = "cannot read ranges in cube definition";
+  std::array<int, 3> counts;
+  read_values(stream, std::span<int>(counts), failure);
+  if (std::ranges::any_of(counts, [](int count) { return count < 0; })) {
+    msg_fatal(failure);
+  }
+  std::ranges::copy(counts, cube->npoints);
+}
+
+}  // namespace
+
+std::vector<std::string_view> conf_names() {
+  std::vector names = {grid_item};
+  for (const NumericItem& item : numeric_items) {
+    names.push_back(item.name);
+  }
+  for (const FileNameItem& item : file_name_items) {
+    names.push_back(item.name);
+  }
+  return names;
+}
+
+void conf_read(CubeDefinition* cube) {
+  std::FILE* file = open_if_file(glob_file_config);
+  if (file == nullptr) {
+    std::snprintf(glob_file_config, file_name_size, "%s", standard_config_file);
+    file = open_if_file(glob_file_config);
+  }
+  if (file == nullptr) {
+    glob_file_config[0] = '\0';
+    if (arg_warning != 0) {
+      msg_warn("config file not found, using default setting");
+    }
+    return;
+  }
+
+  Reader stream(file);
+  std::array<char, line_size> line;
+  while (stream.line(line)) {
+    conf_analyze_line(&stream, cube, line.data());
+  }
+  file_close(file);
+}
+
+void conf_analyze_line(Reader* stream, CubeDefinition* cube, const char* line) {
+  const Word name = next_word(line, 0);
+  if (line[name.begin] == '#') {
+    return;
+  }
+  if (!name.fits()) {
+    msg_fatal(bad_name);
+  }
+  if (name.is_empty()) {
+    return;
+  }
+  const Word setting = next_word(line, name.end);
+  if (setting.is_empty() || !setting.fits()) {
+    msg_fatal(bad_setting);
+  }
+
+  char name_text[word_size];
+  char setting_text[word_size];
+  str_sub_copy(line, name_text, name.begin, name.end);
+  str_sub_copy(line, setting_text, setting.begin, setting.end);
+  conf_assign(stream, cube, name_text, setting_text);
+}
+
+void conf_assign(Reader* stream, CubeDefinition* cube, const char* name, const char* setting) {
+  const auto number = find_item(numeric_items, name);
+  const auto file_name = find_item(file_name_items, name);
+  if (number != numeric_items.end()) {
+    *number->target = number->check(setting);
+  } else if (file_name != file_name_items.end()) {
+    if (std::snprintf(file_name->target, file_name_size, "%s", setting) >= static_cast<int>(file_name_size)) {
+      msg_fatal(bad_setting);
+    }
+  } else if (name == grid_item) {
+    conf_read_cube(stream, cube, static_cast<unsigned>(integer(setting)));
+  } else {
+    msg_fatal_format("invalid option in config file '%s'", name);
+  }
+}
+
+std::int16_t check_bool(const char* setting) {
+  const int value = integer(setting);
+  if (value != 0 && value != 1) {
+    msg_fatal("invalid value in config file - 0 or 1 expected");
+  }
+  return static_cast<std::int16_t>(value);
+}
+
+std::int16_t conf_check_intgt(const char* setting, int bound) {
+  const int value = integer(setting);
+  if (value <= bound || value > std::numeric_limits<std::int16_t>::max()) {
+    msg_fatal_format("invalid value in config file - integer greater than %d expected", bound);
+  }
+  return static_cast<std::int16_t>(value);
+}
+
+void conf_read_cube(Reader* stream, CubeDefinition* cube, unsigned type) {
+  switch (type) {
+    case 0:
+      return;
+    case 1:
+      read_values(stream, std::span<double>(cube->points[0]), "cannot read point in cube definition");
+      read_vectors(stream, cube);
+      break;
+    case 2:
+      for (auto& point : cube->points) {
+        read_values(stream, std::span<double>(point), "cannot read points in cube definition");
+      }
+      break;
+    default:
+      msg_fatal("invalid type of cube definition");
+  }
+  read_point_counts(stream, cube);
+  conf_cube_def = static_cast<std::uint16_t>(type);
+}

@@ -1,0 +1,8 @@
+#pragma once
+
+#include <cstdio>
+
+#include "app/model/memory.hpp"
+
+/// Lists the atoms in their order: symbol, x, y, z in ångström.
+void coord_print(const Molecule* molecule, std::FILE* stream);
