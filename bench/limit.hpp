@@ -1,38 +1,6 @@
 #pragma once
 
-#include <ctime>
-
-#include "app/field/point/pack.hpp"
-
-// What a core can do at most: independent multiplications and additions in registers.
-
-struct Limit {
-  const char* kernel;            // the sweep kernel with the same packs
-  double (*pairs_per_second)();  // one multiplication and one addition of a double are a pair
-};
-
-template <class Real>
-double measure_limit() {
-  constexpr unsigned rounds = 4'000'000;
-  Real a = 1.0, b = 2.0, c = 3.0, d = 4.0, e = 5.0, f = 6.0, g = 7.0, h = 8.0;
-  Real factor = 1.0 + 1e-9, value = 1e-12;
-  const std::clock_t start = std::clock();
-  for (unsigned i = 0; i < rounds; ++i) {
-    // Every product is formed anew.
-    const auto add = [&](Real& sum) {
-      sum = sum + factor * value;
-      asm volatile("" : "+x"(factor.lane));
-    };
-    add(a), add(b), add(c), add(d), add(e), add(f), add(g), add(h);
-  }
-  const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-  const volatile double used = lowest(a + b + c + d + e + f + g + h);
-  static_cast<void>(used);
-  return 1.0 * rounds * 8 * Real::lanes / seconds;
-}
-
-extern const Limit limit_plain;
-#if defined(__x86_64__)
-extern const Limit limit_avx2;
-extern const Limit limit_avx512;
-#endif
+/// What a core can do at most with registers of so many doubles, which it must have: independent
+/// multiplications and additions in registers, a second. One of each, of a double, are a pair.
+template <unsigned Lanes>
+double limit_pairs_per_second();

@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <ctime>
 #include <filesystem>
 #include <span>
@@ -23,6 +22,7 @@
 #include "app/cube/comp.hpp"
 #include "app/cube/cube_text.hpp"
 #include "app/field/exact/sweep.hpp"
+#include "app/field/instruction_sets.hpp"
 #include "app/field/point/eval.hpp"
 #include "app/field/rows/rows.hpp"
 #include "app/input/fcheck.hpp"
@@ -101,18 +101,18 @@ void sweep_all(const CubeDefinition& cube, Sweep& sweep, Take take) {
 }
 
 // The exact sweep without text.
-double sweep_seconds(const Molecule& molecule, const CubeDefinition& cube, const SweepKernel& kernel,
+double sweep_seconds(const Molecule& molecule, const CubeDefinition& cube, const InstructionSet& set,
                      const std::vector<WeightedOrbital>& orbitals) {
-  Sweep sweep(&molecule, kernel, SweepField::density_and_potential, orbitals, 1e3);
+  Sweep sweep(&molecule, set.exact, FieldKind::density_and_potential, orbitals, 1e3);
   return seconds_of(repetitions, [&] { sweep_all(cube, sweep, [](unsigned) {}); });
 }
 
 // The sweep by rows without text, its tables included; 0 if it leaves the grid to the exact one.
-double rows_seconds(const Molecule& molecule, const CubeDefinition& cube, const SweepKernel& kernel,
+double rows_seconds(const Molecule& molecule, const CubeDefinition& cube, const InstructionSet& set,
                     const std::vector<WeightedOrbital>& orbitals) {
   bool is_made = true;
   const double seconds = seconds_of(repetitions, [&] {
-    const auto rows = RowSweep::make(&molecule, &cube, kernel, SweepField::density_and_potential, orbitals);
+    const auto rows = RowSweep::make(&molecule, &cube, set.rows, FieldKind::density_and_potential, orbitals);
     is_made = rows != nullptr;
     for (unsigned i = 0; is_made && i < cube.npoints[0]; ++i) {
       for (unsigned j = 0; j < cube.npoints[1]; ++j) {
@@ -124,9 +124,9 @@ double rows_seconds(const Molecule& molecule, const CubeDefinition& cube, const 
 }
 
 std::vector<double> orbital_values(const Molecule& molecule, const CubeDefinition& cube,
-                                   const SweepKernel& kernel, const Orbital* orbital) {
+                                   const InstructionSet& set, const Orbital* orbital) {
   const WeightedOrbital orbitals[] = {orbital};
-  Sweep sweep(&molecule, kernel, SweepField::orbital, orbitals, 1e3);
+  Sweep sweep(&molecule, set.exact, FieldKind::orbital, orbitals, 1e3);
   std::vector<double> values;
   sweep_all(cube, sweep,
             [&](unsigned count) { values.insert(values.end(), sweep.field(0), sweep.field(0) + count); });
@@ -155,18 +155,17 @@ double named_seconds(const Molecule& molecule, const CubeDefinition& cube) {
   return seconds / count * cube.npoints[0] * cube.npoints[1] * cube.npoints[2];
 }
 
-double limit_of(const SweepKernel& kernel) {
-  for (const Limit* limit : {
+double limit_of(unsigned lanes) {
+  switch (lanes) {
 #if defined(__x86_64__)
-         &limit_avx2, &limit_avx512,
+    case 8:
+      return limit_pairs_per_second<8>();
+    case 4:
+      return limit_pairs_per_second<4>();
 #endif
-             &limit_plain
-       }) {
-    if (std::strcmp(limit->kernel, kernel.name) == 0) {
-      return std::max(limit->pairs_per_second(), limit->pairs_per_second());
-    }
+    default:
+      return limit_pairs_per_second<2>();
   }
-  return 0.0;
 }
 
 void print_whole_runs(const std::string& program, const std::string& plain, const std::string& file) {
@@ -189,16 +188,16 @@ void print_whole_runs(const std::string& program, const std::string& plain, cons
   std::printf("\n");
 }
 
-void print_sweep(const Molecule& molecule, const SweepKernel& kernel) {
+void print_sweep(const Molecule& molecule, const InstructionSet& set) {
   CubeDefinition cube;
   cube_comp_params(&molecule, &cube);
   const double points = 1.0 * cube.npoints[0] * cube.npoints[1] * cube.npoints[2];
   const std::vector<WeightedOrbital> orbitals = occupation_of(&molecule).orbitals;
-  const double sweep = sweep_seconds(molecule, cube, kernel, orbitals);
-  const double basis = sweep_seconds(molecule, cube, kernel, {});
-  const double rows = rows_seconds(molecule, cube, kernel, orbitals);
+  const double sweep = sweep_seconds(molecule, cube, set, orbitals);
+  const double basis = sweep_seconds(molecule, cube, set, {});
+  const double rows = rows_seconds(molecule, cube, set, orbitals);
   std::FILE* const out = std::fopen("values.cube", "w");
-  const std::vector<double> values = orbital_values(molecule, cube, kernel, orbitals.back().orbital);
+  const std::vector<double> values = orbital_values(molecule, cube, set, orbitals.back().orbital);
   const double text = seconds_of(repetitions, [&] {
     std::rewind(out);
     CubeText(out, cube.npoints[2]).put(values);
@@ -213,8 +212,10 @@ void print_sweep(const Molecule& molecule, const SweepKernel& kernel) {
   } else {
     std::printf("  by rows: left to the exact sweep\n");
   }
+  const auto measure_limit = [&] { return limit_of(set.exact.lanes); };
+  const double limit = std::max(measure_limit(), measure_limit());
   std::printf("  orbital sums %.1f ms: %.0f %% of the limit of multiplications and additions\n",
-              1e3 * (sweep - basis), 100 * pairs / (sweep - basis) / limit_of(kernel));
+              1e3 * (sweep - basis), 100 * pairs / (sweep - basis) / limit);
   std::printf("  text of two files %.1f ms: %.0f %% of sweep and text, %.1f ns a value\n", 2e3 * text,
               200 * text / (sweep + 2 * text), 1e9 * text / points);
   const unsigned orbital_count = molecule.alpha_orbital_count;
@@ -254,28 +255,28 @@ int main(int argc, char** argv) {
     return 1;
   }
   const auto for_each_kernel_and_file = [&](auto use) {
-    for (const SweepKernel* kernel : sweep_kernels()) {
-      if (kernel->is_supported()) {
-        setenv("ORVA_KERNEL", kernel->name, 1);
+    for (const InstructionSet& set : instruction_sets()) {
+      if (set.is_supported()) {
+        setenv("ORVA_KERNEL", set.name, 1);
         for (const std::string& file : std::span(paths).subspan(2)) {
-          use(*kernel, file);
+          use(set, file);
         }
       }
     }
   };
   // First the runs, while this process is small: the peak memory of a child counts what it had before exec.
-  for_each_kernel_and_file([&](const SweepKernel& kernel, const std::string& file) {
-    std::printf("%s %s\n", kernel.name, file.c_str());
+  for_each_kernel_and_file([&](const InstructionSet& set, const std::string& file) {
+    std::printf("%s %s\n", set.name, file.c_str());
     print_whole_runs(paths[0], paths[1], file);
   });
-  for_each_kernel_and_file([&](const SweepKernel& kernel, const std::string& file) {
+  for_each_kernel_and_file([&](const InstructionSet& set, const std::string& file) {
     std::snprintf(glob_file_input, sizeof glob_file_input, "%s", file.c_str());
     Molecule molecule;
     mem_init_mol(&molecule);
     fcheck_read(&molecule);
-    std::printf("%s %s: %u atoms, %u functions, %zu occupied orbitals\n", kernel.name, file.c_str(),
+    std::printf("%s %s: %u atoms, %u functions, %zu occupied orbitals\n", set.name, file.c_str(),
                 molecule.atom_count, molecule.basis_count, occupation_of(&molecule).orbitals.size());
-    print_sweep(molecule, kernel);
+    print_sweep(molecule, set);
     mem_clean(&molecule, nullptr);
   });
   std::filesystem::remove_all(scratch);

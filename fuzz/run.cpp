@@ -4,7 +4,7 @@
 #include <cmath>
 #include <span>
 
-#include "app/field/exact/sweep.hpp"
+#include "app/field/instruction_sets.hpp"
 #include "app/field/rows/rows.hpp"
 #include "app/input/fcheck.hpp"
 #include "app/input/wfn.hpp"
@@ -50,8 +50,8 @@ struct Statistics {
 
 void count_rows(const Molecule& molecule, const CubeDefinition& cube) {
   ++statistics.runs;
-  const auto rows = RowSweep::make(&molecule, &cube, sweep_choose_kernel(), SweepField::density_and_potential,
-                                   occupation_of(&molecule).orbitals);
+  const auto rows = RowSweep::make(&molecule, &cube, choose_instruction_set().rows,
+                                   FieldKind::density_and_potential, occupation_of(&molecule).orbitals);
   if (rows == nullptr) {
     return;
   }
@@ -90,11 +90,10 @@ void compare_data(const Molecule& molecule, const CubeDefinition& cube, unsigned
     }
     const auto orbital = static_cast<std::int16_t>(1 + number % orbital_count);
     const CubeTexts expected = without_nan_signs(text_of_points(molecule, cube, code, orbital));
-    for (const SweepKernel* kernel : sweep_kernels()) {
-      setenv("ORVA_KERNEL", kernel->name, 1);
-      if (kernel->is_supported() &&
-          without_nan_signs(text_of_sweep(molecule, cube, code, orbital)) != expected) {
-        dprintf(STDERR_FILENO, "%s differs in field %d of orbital %d\n", kernel->name, code, orbital);
+    for (const InstructionSet& set : instruction_sets()) {
+      setenv("ORVA_KERNEL", set.name, 1);
+      if (set.is_supported() && without_nan_signs(text_of_sweep(molecule, cube, code, orbital)) != expected) {
+        dprintf(STDERR_FILENO, "%s differs in field %d of orbital %d\n", set.name, code, orbital);
         std::abort();
       }
     }

@@ -162,7 +162,7 @@ TEST(Convention, OccupationsWeighOrbitalsInTheSumsOnly) {
     EXPECT_EQ(occupation_of(molecule.get()).is_restricted, n == 2.0);
     const CubeDefinition rows = {{3, 4, 40}, {{-3, -2, -4}}, {{1.1, 0, 0}, {0, 0.9, 0}, {0, 0, 0.25}}};
     const auto sweep =
-        RowSweep::make(molecule.get(), &rows, sweep_choose_kernel(), SweepField::density_and_potential,
+        RowSweep::make(molecule.get(), &rows, choose_instruction_set().rows, FieldKind::density_and_potential,
                        occupation_of(molecule.get()).orbitals);
     EXPECT_EQ(sweep == nullptr, n < 0.0) << "nothing is known of differences";
     const CubeDefinition far = {{2, 1, 40}, {{0, 0, 5}}, {{9, 0, 0}, {0, 9, 0}, {0, 0, 1.5}}};
@@ -202,8 +202,8 @@ TEST(Convention, APotentialWithoutEnergiesIsZeroAndDoneByRows) {
   wfn.orbitals[0].energy = wfn.orbitals[1].energy = 0.0;
   const auto molecule = read_text(wfn_read, text_of(wfn));
   const CubeDefinition cube = {{2, 2, 30}, {{-1, -2, -2}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.1}}};
-  const auto rows = RowSweep::make(molecule.get(), &cube, sweep_choose_kernel(),
-                                   SweepField::density_and_potential, occupation_of(molecule.get()).orbitals);
+  const auto rows = RowSweep::make(molecule.get(), &cube, choose_instruction_set().rows,
+                                   FieldKind::density_and_potential, occupation_of(molecule.get()).orbitals);
   rows->run(0, 0);
   for (unsigned k = 0; k < 30; ++k) {
     EXPECT_EQ(std::pair(rows->field(1)[k], rows->tolerances(1)[k]), std::pair(0.0, 0.0));

@@ -11,25 +11,25 @@ namespace {
 
 using Orbitals = std::vector<WeightedOrbital>;
 
-std::unique_ptr<RowSweep> make_rows(const Molecule& molecule, const CubeDefinition& cube, SweepField field,
+std::unique_ptr<RowSweep> make_rows(const Molecule& molecule, const CubeDefinition& cube, FieldKind field,
                                     const Orbitals& orbitals) {
-  return RowSweep::make(&molecule, &cube, sweep_choose_kernel(), field, orbitals);
+  return RowSweep::make(&molecule, &cube, choose_instruction_set().rows, field, orbitals);
 }
 
 // The values that the functions for one point give, in the order of the fields.
-Numbers exact_values(const Molecule& molecule, const double* point, SweepField field,
+Numbers exact_values(const Molecule& molecule, const double* point, FieldKind field,
                      const Orbitals& orbitals) {
   const unsigned n = molecule.basis_count;
   Numbers functions(n), values(2);
   eval_bfce_vec(&molecule, point, functions.data());
-  if (field == SweepField::density_and_potential) {
+  if (field == FieldKind::density_and_potential) {
     eval_orva(&molecule, functions.data(), &values[0], &values[1]);
     return values;
   }
   values.clear();
   for (const auto& [orbital, weight] : orbitals) {
-    values.push_back(field == SweepField::orbital ? eval_mo(orbital, functions.data(), n)
-                                                  : eval_mo_den(orbital, functions.data(), n));
+    values.push_back(field == FieldKind::orbital ? eval_mo(orbital, functions.data(), n)
+                                                 : eval_mo_den(orbital, functions.data(), n));
   }
   return values;
 }
@@ -42,7 +42,7 @@ struct Found {
 };
 
 // No value may lie farther from the exact one than its tolerance tells.
-void expect_within_tolerance(const Molecule& molecule, const CubeDefinition& cube, SweepField field,
+void expect_within_tolerance(const Molecule& molecule, const CubeDefinition& cube, FieldKind field,
                              const Orbitals& orbitals, Found* found) {
   const auto rows = make_rows(molecule, cube, field, orbitals);
   ASSERT_NE(rows, nullptr);
@@ -101,7 +101,7 @@ struct Part {
 
 // The same of an orbital in memory: a file that has thousands of functions would be large.
 Found find_in_orbital(std::vector<Part> parts, const CubeDefinition& cube,
-                      const std::vector<SweepField>& fields) {
+                      const std::vector<FieldKind>& fields) {
   Atom atom{};
   std::vector<BasisFunction> functions;
   Numbers coefficients;
@@ -119,7 +119,7 @@ Found find_in_orbital(std::vector<Part> parts, const CubeDefinition& cube,
   molecule.atom_count = 1, molecule.electron_count = 2, inp_rest_scf = 1;
   Found found;
   with_every_kernel([&](const char*) {
-    for (const SweepField field : fields) {
+    for (const FieldKind field : fields) {
       expect_within_tolerance(molecule, cube, field, {&orbital}, &found);
     }
   });
@@ -152,16 +152,16 @@ TEST(Rows, KeepWithinTheirTolerance) {
       all.emplace_back(&molecule->alpha_orbitals[i]);
     }
     with_every_kernel([&](const char*) {
-      const auto expect = [&](SweepField field, const Orbitals& orbitals) {
+      const auto expect = [&](FieldKind field, const Orbitals& orbitals) {
         expect_within_tolerance(*molecule, cube, field, orbitals, &found);
       };
       for (const bool has_weights : {false, true}) {
         molecule->has_occupations = has_weights;
-        expect(SweepField::density_and_potential, occupation_of(molecule.get()).orbitals);
+        expect(FieldKind::density_and_potential, occupation_of(molecule.get()).orbitals);
       }
-      expect(SweepField::orbital, all);
-      expect(SweepField::orbital, {all[2]});
-      expect(SweepField::orbital_density, {all[0], all[1]});
+      expect(FieldKind::orbital, all);
+      expect(FieldKind::orbital, {all[2]});
+      expect(FieldKind::orbital_density, {all[0], all[1]});
     });
   }
   EXPECT_GT(found.known, 5 * found.unknown);
@@ -180,7 +180,7 @@ TEST(Rows, CountWhatTheyLeaveOutOfThePotential) {
   const CubeDefinition cube = {{1, 1, 40}, {{0.1, 0.2, -2}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.1}}};
   with_every_kernel([&](const char*) {
     Found found;
-    expect_within_tolerance(*molecule, cube, SweepField::density_and_potential,
+    expect_within_tolerance(*molecule, cube, FieldKind::density_and_potential,
                             occupation_of(molecule.get()).orbitals, &found);
   });
 }
@@ -216,7 +216,7 @@ TEST(Rows, CountTheRoundingsOfSums) {
     SCOPED_TRACE(name);
     const CubeDefinition cube = {{1, 1, 200}, {{x, 0.2, 0.3}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.01}}};
     const Found found = find_in_orbital(
-        parts, cube, {SweepField::orbital, SweepField::orbital_density, SweepField::density_and_potential});
+        parts, cube, {FieldKind::orbital, FieldKind::orbital_density, FieldKind::density_and_potential});
     EXPECT_GT(found.share, share) << "no strain";
     EXPECT_LT(found.tolerance, x < 1.0 ? 2e-11 : 1e-7);
   }
@@ -249,7 +249,7 @@ TEST(Rows, BoundWhatLargeArgumentsErr) {
         std::ranges::copy(std::array{x, y, z}, cube.points[0]);
       }
     }
-    EXPECT_GT(find_in_orbital({worst}, cube, {SweepField::orbital}).error, least) << "no strain";
+    EXPECT_GT(find_in_orbital({worst}, cube, {FieldKind::orbital}).error, least) << "no strain";
   }
 }
 
@@ -274,7 +274,7 @@ TEST(Rows, BoundOrbitalsInEachTile) {
   const CubeDefinition cube = {{2, 2, 120}, {{0.1, 0.2, -0.3}}, {{0.3, 0, 0}, {0, 0.3, 0}, {0, 0, 0.1}}};
   with_every_kernel([&](const char*) {
     Found found;
-    expect_within_tolerance(*molecule, cube, SweepField::orbital,
+    expect_within_tolerance(*molecule, cube, FieldKind::orbital,
                             {molecule->alpha_orbitals, molecule->alpha_orbitals + 1}, &found);
     EXPECT_EQ(found.unknown, 0U);
   });
@@ -284,7 +284,7 @@ TEST(Rows, BoundOrbitalsInEachTile) {
 TEST(Rows, LeaveTiesToTheExactSweep) {
   std::mt19937_64 random(12);
   Found found;
-  constexpr SweepField field = SweepField::density_and_potential;
+  constexpr FieldKind field = FieldKind::density_and_potential;
   for (int trial = 0; trial < 25; ++trial) {
     SmallFchk fields = strained(random);
     CubeDefinition cube = random_grid(random);
@@ -311,7 +311,7 @@ TEST(Rows, LeaveWhatIsOutOfTheOrdinaryToTheExactSweep) {
   const CubeDefinition good = {{2, 2, 16}, {{0, 0, 0}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.5}}};
   const auto is_taken = [](const SmallFchk& fields, const CubeDefinition& cube) {
     const auto molecule = read_text(fcheck_read, fchk_text(fields));
-    return make_rows(*molecule, cube, SweepField::density_and_potential,
+    return make_rows(*molecule, cube, FieldKind::density_and_potential,
                      occupation_of(molecule.get()).orbitals) != nullptr;
   };
   EXPECT_TRUE(is_taken({}, good));

@@ -26,7 +26,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/field/exact/sweep.hpp"
+#include "app/field/instruction_sets.hpp"
 #include "app/model/setup.hpp"
 #include "text.hpp"
 
@@ -88,11 +88,11 @@ inline int next_descriptor() {
 /// Calls `use` once for every kernel that this processor has, which is then the one of the program.
 template <class Use>
 void with_every_kernel(Use use) {
-  for (const SweepKernel* kernel : sweep_kernels()) {
-    if (kernel->is_supported()) {
-      SCOPED_TRACE(kernel->name);
-      setenv("ORVA_KERNEL", kernel->name, 1);
-      use(kernel->name);
+  for (const InstructionSet& set : instruction_sets()) {
+    if (set.is_supported()) {
+      SCOPED_TRACE(set.name);
+      setenv("ORVA_KERNEL", set.name, 1);
+      use(set.name);
     }
   }
   unsetenv("ORVA_KERNEL");

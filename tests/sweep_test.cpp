@@ -1,6 +1,7 @@
 #include "app/field/exact/sweep.hpp"
 
 #include "app/cube/comp.hpp"
+#include "app/field/fields.hpp"
 #include "app/field/point/eval.hpp"
 #include "app/field/point/pack.hpp"
 #include "app/input/fcheck.hpp"
@@ -58,7 +59,7 @@ void expect_every_bit(const Molecule& molecule, const std::vector<CubeDefinition
   }
   for (const CubeDefinition& cube : cubes) {
     with_every_kernel([&](const char*) {
-      Sweep sweep(&molecule, sweep_choose_kernel(), SweepField::orbital, list, cube_extent(&cube));
+      Sweep sweep(&molecule, choose_instruction_set().exact, FieldKind::orbital, list, cube_extent(&cube));
       const unsigned room = sweep.block_points();
       Numbers points(std::size_t{3} * room);
       unsigned count = 0, left = cube.npoints[0] * cube.npoints[1] * cube.npoints[2];
@@ -118,7 +119,7 @@ TEST(Sweep, WritesTheTextOfThePointByPointFunctionsWithEveryKernel) {
   }
 #endif
   setenv("ORVA_KERNEL", "abacus", 1);
-  expect_error([] { sweep_choose_kernel(); }, "kernel \"abacus\" is not available, only" + names);
+  expect_error(fields_check, "kernel \"abacus\" is not available, only" + names);
   unsetenv("ORVA_KERNEL");
 }
 

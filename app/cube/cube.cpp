@@ -7,7 +7,7 @@
 #include <span>
 
 #include "app/cube/comp.hpp"
-#include "app/field/exact/sweep.hpp"
+#include "app/field/fields.hpp"
 #include "app/model/setup.hpp"
 #include "lib/file.hpp"
 #include "lib/message.hpp"
@@ -141,7 +141,7 @@ void cube_check(const Molecule* molecule, std::int16_t code) {
   if (wants_beta && inp_rest_scf != 0) {
     msg_fatal("invalid value in config file - no beta orbitals in restricted wavefunction");
   }
-  sweep_choose_kernel();
+  fields_check();
 }
 
 std::vector<std::string> cube_file_names(const Molecule* molecule, std::int16_t code) {

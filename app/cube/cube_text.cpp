@@ -71,10 +71,6 @@ void CubeText::put_row(std::span<const double> values, std::span<const double> t
   });
 }
 
-void CubeText::put_empty_row() {
-  put_values(row_length_, 0, row_length_, add_row(), [](std::size_t, char*) {});
-}
-
 char* CubeText::add_row() {
   const std::size_t size = size_of(1, row_length_);
   make_room(size);
@@ -82,9 +78,12 @@ char* CubeText::add_row() {
   return text_.data() + row_start_;
 }
 
-void CubeText::correct(unsigned number, double value) {
-  str_scientific(value,
-                 text_.data() + row_start_ + std::size_t{number} * str_scientific_width + number / in_line);
+void CubeText::correct(std::span<const double> values, std::span<const unsigned char> in_doubt) {
+  for (std::size_t n = 0; n < in_doubt.size(); ++n) {
+    if (in_doubt[n] != 0) {
+      str_scientific(values[n], text_.data() + row_start_ + n * str_scientific_width + n / in_line);
+    }
+  }
 }
 
 // Of a text in memory, all has room.

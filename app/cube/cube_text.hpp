@@ -31,11 +31,8 @@ class CubeText {
   void put_row(std::span<const double> values, std::span<const double> tolerances,
                std::span<unsigned char> in_doubt);
 
-  /// Appends a row each value of which is to follow by `correct`, behind whole rows only.
-  void put_empty_row();
-
-  /// Gives a value of that row anew, by its number in the row.
-  void correct(unsigned number, double value);
+  /// Gives the values of that row anew that are in doubt.
+  void correct(std::span<const double> values, std::span<const unsigned char> in_doubt);
 
  private:
   char* add_row();

@@ -17,6 +17,9 @@ enum FieldCode : std::int16_t {
   field_beta_orbital = 201,
 };
 
+/// What is evaluated together.
+enum class FieldKind { density_and_potential, orbital, orbital_density };
+
 struct Field {
   FieldCode code;
   const char* title;  // second line of its cube file

@@ -1,19 +1,14 @@
 #include "app/field/exact/sweep.hpp"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cmath>
-#include <cstdlib>
-#include <cstring>
 #include <limits>
-#include <string>
 
 #include "app/field/point/eval.hpp"
 #include "app/field/point/exponential.hpp"
 #include "app/field/point/norm.hpp"
 #include "app/model/shell.hpp"
-#include "lib/message.hpp"
 
 namespace {
 
@@ -97,32 +92,7 @@ unsigned choose_block_points(unsigned basis_count, const SweepKernel& kernel) {
 
 }  // namespace
 
-std::span<const SweepKernel* const> sweep_kernels() {
-  static constexpr std::array kernels = {
-#if defined(__x86_64__)
-    &sweep_avx512,
-    &sweep_avx2,
-#endif
-    &sweep_plain
-  };
-  return kernels;
-}
-
-const SweepKernel& sweep_choose_kernel() {
-  const char* const wanted = std::getenv("ORVA_KERNEL");
-  for (const SweepKernel* kernel : sweep_kernels()) {
-    if (kernel->is_supported() && (wanted == nullptr || std::strcmp(kernel->name, wanted) == 0)) {
-      return *kernel;
-    }
-  }
-  std::string available;
-  for (const SweepKernel* kernel : sweep_kernels()) {
-    available += kernel->is_supported() ? std::string(" ") + kernel->name : "";
-  }
-  msg_fatal_format("kernel \"%s\" is not available, only%s", wanted, available.c_str());
-}
-
-Sweep::Sweep(const Molecule* molecule, const SweepKernel& kernel, SweepField field,
+Sweep::Sweep(const Molecule* molecule, const SweepKernel& kernel, FieldKind field,
              std::span<const WeightedOrbital> orbitals, double extent)
     : molecule_(molecule),
       kernel_(kernel),

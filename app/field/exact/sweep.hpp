@@ -14,19 +14,11 @@
 // Fields at many points at once: packs of points through the formulas of the point-by-point functions, in
 // the same order, with the same bits. What does not depend on the point is worked out once, in the plan.
 
-/// All kernels of the program, the widest first; the last runs everywhere.
-std::span<const SweepKernel* const> sweep_kernels();
-
-/// The widest kernel that the processor has, or the one named by the environment variable ORVA_KERNEL.
-/// A name that is unknown or not for this processor ends the run with "kernel \"%s\" is not available, only
-/// ...", which lists those that are.
-const SweepKernel& sweep_choose_kernel();
-
 /// The plan of a sweep, with all that it points to, and its working memory.
 class Sweep {
  public:
   /// Orbitals are summed in the order given. `extent`: no coordinate of a point is larger in magnitude, bohr.
-  Sweep(const Molecule* molecule, const SweepKernel& kernel, SweepField field,
+  Sweep(const Molecule* molecule, const SweepKernel& kernel, FieldKind field,
         std::span<const WeightedOrbital> orbitals, double extent);
 
   /// Points of a block at most: a multiple of the kernel's tile, so many that the basis function values stay

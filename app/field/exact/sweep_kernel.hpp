@@ -18,8 +18,8 @@
 template <class Real, unsigned TilePacks, unsigned TileOrbitals>
 class SweepPass {
  public:
-  static constexpr SweepKernel kernel(const char* name, bool (*is_supported)()) {
-    return {name, is_supported, tile_points, TileOrbitals, block_points_max, run};
+  static constexpr SweepKernel kernel() {
+    return {Real::lanes, tile_points, TileOrbitals, block_points_max, run};
   }
 
  private:
@@ -231,7 +231,7 @@ class SweepPass {
       evaluate_group(plan_.groups[g], tile, active_count, sums, output);
       output += plan_.groups[g].count * block_.stride;
     }
-    if (plan_.field == SweepField::density_and_potential) {
+    if (plan_.field == FieldKind::density_and_potential) {
       for (unsigned p = 0; p < TilePacks; ++p) {
         const std::size_t at = tile * tile_points + p * Real::lanes;
         eval_total(sums[p], plan_.is_restricted).store(block_.fields + at);
@@ -277,13 +277,13 @@ class SweepPass {
       for (unsigned p = 0; p < TilePacks; ++p) {
         double* const to = output + o * block_.stride + p * Real::lanes;
         switch (plan_.field) {
-          case SweepField::density_and_potential:
+          case FieldKind::density_and_potential:
             sums[p].add(orbitals[o][p], group.weights[o], group.energy_weights[o]);
             break;
-          case SweepField::orbital:
+          case FieldKind::orbital:
             orbitals[o][p].store(to);
             break;
-          case SweepField::orbital_density:
+          case FieldKind::orbital_density:
             eval_square(orbitals[o][p]).store(to);
             break;
         }

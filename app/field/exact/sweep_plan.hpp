@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include "app/model/field.hpp"
+
 // What the sweep hands to its kernels. They are compiled once for each instruction set; what they read is
 // plain memory, so that no function compiled for a wide set can stand in for one of the rest of the program.
 //
@@ -54,10 +56,8 @@ struct SweepOrbitals {
   const double* energy_weights;  // n|ε|, hartree
 };
 
-enum class SweepField { density_and_potential, orbital, orbital_density };
-
 struct SweepPlan {
-  SweepField field;
+  FieldKind field;
   unsigned basis_count, shell_count, atom_count, group_count;
   const unsigned* shell_starts;  // first basis function of each shell, by its number, and basis_count
   const SweepAtom* atoms;
@@ -84,15 +84,14 @@ inline constexpr unsigned sweep_packs_max = 32;  // of points, in a block
 
 /// A kernel for one instruction set.
 struct SweepKernel {
-  const char* name;
-  bool (*is_supported)();     // by the processor at hand
+  unsigned lanes;             // doubles in a register
   unsigned tile_points;       // points whose orbital sums are formed together
   unsigned tile_orbitals;     // at most so many orbitals together
   unsigned block_points_max;  // at most so many points in a block
   void (*run)(const SweepPlan& plan, const SweepBlock& block);
 };
 
-// The kernels, each from the translation unit that is compiled for its instruction set.
+// The kernels, each from the source that is compiled for its instruction set.
 extern const SweepKernel sweep_plain;
 #if defined(__x86_64__)
 extern const SweepKernel sweep_avx2;

@@ -1,41 +1,17 @@
 #include "app/field/rows/rows.hpp"
 
 #include <algorithm>
-#include <array>
-#include <cstring>
 #include <new>
 
-namespace {
-
-// For the instruction set of the exact sweep's kernel, or for any.
-const RowKernel& kernel_like(const SweepKernel& exact) {
-  static constexpr std::array kernels = {
-#if defined(__x86_64__)
-    &rows_avx512,
-    &rows_avx2,
-#endif
-    &rows_plain
-  };
-  for (const RowKernel* kernel : kernels) {
-    if (std::strcmp(kernel->name, exact.name) == 0 && kernel->is_supported()) {
-      return *kernel;
-    }
-  }
-  return rows_plain;
-}
-
-}  // namespace
-
 std::unique_ptr<RowSweep> RowSweep::make(const Molecule* molecule, const CubeDefinition* cube,
-                                         const SweepKernel& kernel, SweepField field,
+                                         const RowKernel& kernel, FieldKind field,
                                          std::span<const WeightedOrbital> orbitals) try {
-  const RowKernel& row_kernel = kernel_like(kernel);
-  std::unique_ptr<RowTables> tables = rows_build(molecule, cube, row_kernel, field, orbitals);
+  std::unique_ptr<RowTables> tables = rows_build(molecule, cube, kernel, field, orbitals);
   if (tables == nullptr) {
     return nullptr;
   }
   tables->plan.is_restricted = occupation_of(molecule).is_restricted;
-  return std::unique_ptr<RowSweep>(new RowSweep(std::move(tables), row_kernel, cube->npoints[2]));
+  return std::unique_ptr<RowSweep>(new RowSweep(std::move(tables), kernel, cube->npoints[2]));
 } catch (const std::bad_alloc&) {
   return nullptr;
 }
@@ -44,7 +20,7 @@ RowSweep::RowSweep(std::unique_ptr<RowTables> tables, const RowKernel& kernel, u
     : tables_(std::move(tables)), kernel_(kernel), row_length_(row_length) {
   const RowPlan& plan = tables_->plan;
   piece_.stride = std::size_t{plan.tile_room} * kernel_.tile_points;
-  const std::size_t field_count = plan.field == SweepField::density_and_potential ? 2 : plan.orbital_count;
+  const std::size_t field_count = plan.field == FieldKind::density_and_potential ? 2 : plan.orbital_count;
   fields_.resize(field_count * piece_.stride);
   tolerances_.resize(fields_.size());
   lay_out();

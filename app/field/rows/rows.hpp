@@ -15,26 +15,25 @@
 
 class RowSweep {
  public:
-  /// Null if the exact sweep must do it all: see rows_build; also if there is no memory for rows. `kernel` is
-  /// that of the exact sweep, for whose instruction set rows are then evaluated.
+  /// Null if the exact sweep must do it all: see rows_build; also if there is no memory for rows.
   static std::unique_ptr<RowSweep> make(const Molecule* molecule, const CubeDefinition* cube,
-                                        const SweepKernel& kernel, SweepField field,
+                                        const RowKernel& kernel, FieldKind field,
                                         std::span<const WeightedOrbital> orbitals);
 
   /// Evaluates the fields in the row of the first two indices.
   void run(unsigned i, unsigned j);
 
   /// What the last run found for each point of the row; numbers as for Sweep::field.
-  std::span<const double> field(std::size_t number) const { return part_of(fields_, number); }
+  std::span<double> field(std::size_t number) { return part_of(fields_, number); }
 
   /// How far, relatively, the exact sweep's values may lie from these; infinite or NaN where nothing is
   /// known.
-  std::span<const double> tolerances(std::size_t number) const { return part_of(tolerances_, number); }
+  std::span<const double> tolerances(std::size_t number) { return part_of(tolerances_, number); }
 
  private:
   RowSweep(std::unique_ptr<RowTables> tables, const RowKernel& kernel, unsigned row_length);
   void lay_out();
-  std::span<const double> part_of(const AlignedDoubles& values, std::size_t number) const {
+  std::span<double> part_of(AlignedDoubles& values, std::size_t number) {
     return {values.data() + number * piece_.stride, row_length_};
   }
 

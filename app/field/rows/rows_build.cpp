@@ -43,7 +43,7 @@ class OrbitalBuilder {
     plan.stride = (chunk_max + kernel_.lanes - 1) / kernel_.lanes * kernel_.lanes;
     const std::size_t size = tables_.monomials.size() * plan.stride;
     tables_.coefficients.resize(size * plan.chunk_count);
-    const bool has_bounds = plan.field != SweepField::density_and_potential && count > 1;
+    const bool has_bounds = plan.field != FieldKind::density_and_potential && count > 1;
     tables_.magnitudes.resize(has_bounds ? tables_.coefficients.size() : 0);
     for (const WeightedOrbital& entry : orbitals_) {
       const auto& [orbital, weight] = entry;
@@ -103,7 +103,7 @@ class OrbitalBuilder {
       squares += tables_.weights[o] * (coefficient * coefficient);
       weighted_squares += tables_.energy_weights[o] * (coefficient * coefficient);
     }
-    const bool is_density = tables_.plan.field == SweepField::density_and_potential;
+    const bool is_density = tables_.plan.field == FieldKind::density_and_potential;
     norms[0] = is_density ? std::sqrt(squares) : largest;
     norms[1] = is_density ? std::sqrt(weighted_squares) : 0.0;
   }
@@ -159,7 +159,7 @@ class OrbitalBuilder {
 }  // namespace
 
 std::unique_ptr<RowTables> rows_build(const Molecule* molecule, const CubeDefinition* cube,
-                                      const RowKernel& kernel, SweepField field,
+                                      const RowKernel& kernel, FieldKind field,
                                       std::span<const WeightedOrbital> orbitals) {
   if (orbitals.empty()) {
     return nullptr;

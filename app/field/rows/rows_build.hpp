@@ -12,5 +12,5 @@
 /// its rows are short or so long that the tables of their Gaussians would fill the memory, there are no
 /// orbitals, or a number is too large, too small or undefined for the bound to hold.
 std::unique_ptr<RowTables> rows_build(const Molecule* molecule, const CubeDefinition* cube,
-                                      const RowKernel& kernel, SweepField field,
+                                      const RowKernel& kernel, FieldKind field,
                                       std::span<const WeightedOrbital> orbitals);

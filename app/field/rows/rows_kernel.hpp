@@ -17,9 +17,7 @@
 template <class Real, unsigned TilePacks, unsigned TileOrbitals>
 class RowPass {
  public:
-  static constexpr RowKernel kernel(const char* name, bool (*is_supported)()) {
-    return {name, is_supported, Real::lanes, tile_points, TileOrbitals, piece_tiles, run};
-  }
+  static constexpr RowKernel kernel() { return {Real::lanes, tile_points, TileOrbitals, piece_tiles, run}; }
 
  private:
   static constexpr unsigned tile_points = TilePacks * Real::lanes;
@@ -39,7 +37,7 @@ class RowPass {
       pass.evaluate_orbitals(plan.chunks[c], first_orbital);
       first_orbital += plan.chunks[c].count;
     }
-    if (plan.field == SweepField::density_and_potential) {
+    if (plan.field == FieldKind::density_and_potential) {
       pass.finish_density();
     }
   }
@@ -288,7 +286,7 @@ class RowPass {
           [&](std::size_t f, unsigned p) { return Real::load(values + f * tile_points + p * Real::lanes); },
           orbitals);
       for (unsigned o = 0; o < Orbitals; ++o) {
-        if (plan_.field == SweepField::density_and_potential) {
+        if (plan_.field == FieldKind::density_and_potential) {
           for (unsigned p = 0; p < TilePacks; ++p) {
             sums_[tile][p].add(orbitals[o][p], chunk.weights[first + o], chunk.energy_weights[first + o]);
           }
@@ -323,7 +321,7 @@ class RowPass {
     for (unsigned p = 0; p < TilePacks; ++p) {
       const std::size_t at = orbital * piece_.stride + std::size_t{tile} * tile_points + p * Real::lanes;
       const Real relative = bound / higher_of(values[p], 0.0 - values[p]);
-      if (plan_.field == SweepField::orbital) {
+      if (plan_.field == FieldKind::orbital) {
         values[p].store(piece_.fields + at);
         relative.store(piece_.tolerances + at);
       } else {

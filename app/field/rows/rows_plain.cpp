@@ -1,12 +1,7 @@
 #include "app/field/rows/rows_kernel.hpp"
 
 namespace {
-
 struct Tag;
-using Pass = RowPass<Pack<Tag, 2>, 2, 4>;
-
-bool is_supported() { return true; }
-
 }  // namespace
 
-const RowKernel rows_plain = Pass::kernel("plain", is_supported);
+const RowKernel rows_plain = RowPass<Pack<Tag, 2>, 2, 4>::kernel();

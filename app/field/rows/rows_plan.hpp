@@ -59,7 +59,7 @@ struct RowOrbitals {
 };
 
 struct RowPlan {
-  SweepField field;
+  FieldKind field;
   bool is_restricted, has_energies;  // of the density, and that not all are 0
   unsigned atom_count, radial_count, function_count, chunk_count, orbital_count;
   unsigned tile_room;  // tiles of a row, rounded up to whole pieces
@@ -98,15 +98,13 @@ struct RowPiece {
 
 /// A kernel for one instruction set.
 struct RowKernel {
-  const char* name;        // that of the exact sweep's kernel
-  bool (*is_supported)();  // by the processor at hand
   unsigned lanes, tile_points;
   unsigned tile_orbitals;  // at most so many orbitals together
   unsigned piece_tiles;    // at most so many tiles in a piece
   void (*run)(const RowPlan& plan, const RowPiece& piece);
 };
 
-// The kernels, each from the translation unit that is compiled for its instruction set.
+// The kernels, each from the source that is compiled for its instruction set.
 extern const RowKernel rows_plain;
 #if defined(__x86_64__)
 extern const RowKernel rows_avx2;

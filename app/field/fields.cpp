@@ -1,0 +1,206 @@
+#include "app/field/fields.hpp"
+
+#include <algorithm>
+#include <vector>
+
+#include "app/field/exact/sweep.hpp"
+#include "app/field/instruction_sets.hpp"
+#include "app/field/rows/rows.hpp"
+#include "app/model/occupation.hpp"
+
+namespace {
+
+// Rows take an eighth to a half of the exact sweep's time. With so much left in doubt they still save some of
+// it for certain, though the exact sweep takes somewhat longer for scattered points than for neighbours.
+constexpr double doubt_max = 0.25;
+
+constexpr unsigned pause_max = 63;  // rows
+
+std::vector<WeightedOrbital> weighted(const Molecule* molecule, FieldKind kind,
+                                      std::span<const Orbital> orbitals) {
+  if (kind == FieldKind::density_and_potential) {
+    return occupation_of(molecule).orbitals;
+  }
+  std::vector<WeightedOrbital> list;
+  for (const Orbital& orbital : orbitals) {
+    list.emplace_back(&orbital);
+  }
+  return list;
+}
+
+}  // namespace
+
+struct Fields::State {
+  State(const Molecule* molecule, const CubeDefinition* grid, FieldKind kind,
+        std::span<const WeightedOrbital> orbitals, const InstructionSet& set)
+      : cube(grid),
+        field_count(kind == FieldKind::density_and_potential ? 2 : orbitals.size()),
+        exact(molecule, set.exact, kind, orbitals, cube_extent(grid)),
+        rows(RowSweep::make(molecule, grid, set.rows, kind, orbitals)),
+        points(3 * std::size_t{exact.block_points()}) {
+    if (std::ranges::count(cube->npoints, 0U) != 0) {
+      next[0] = cube->npoints[0];
+    }
+  }
+
+  // Evaluates points exactly, in blocks. coordinate(n, c) is coordinate c of a point; take(field, n,
+  // value) gets the values.
+  template <class Coordinate, class Take>
+  void run_exact(std::size_t total, Coordinate coordinate, Take take) {
+    const std::size_t room = exact.block_points();
+    for (std::size_t first = 0; first < total; first += room) {
+      const std::size_t end = std::min(first + room, total);
+      for (unsigned c = 0; c < 3; ++c) {
+        for (std::size_t n = first; n < end; ++n) {
+          points[c * room + (n - first)] = coordinate(n, c);
+        }
+      }
+      exact.run(static_cast<unsigned>(end - first), points.data());
+      for (std::size_t field = 0; field < field_count; ++field) {
+        for (std::size_t n = first; n < end; ++n) {
+          take(field, n, exact.field(field)[n - first]);
+        }
+      }
+    }
+  }
+
+  void run_row(bool by_rows) {
+    if (by_rows) {
+      rows->run(i, j);
+      held = Held::row;
+      return;
+    }
+    const std::size_t length = cube->npoints[2];
+    exact_row.resize(field_count * length);
+    run_exact(
+        length,
+        [&](std::size_t n, unsigned c) { return cube_coordinate(cube, i, j, static_cast<unsigned>(n), c); },
+        [&](std::size_t field, std::size_t n, double value) { exact_row[field * length + n] = value; });
+    held = Held::exact_row;
+  }
+
+  // The next points in the order of cube files, a block.
+  void run_block() {
+    const unsigned room = exact.block_points();
+    for (count = 0; count < room && next[0] < cube->npoints[0];) {
+      const unsigned run = std::min(room - count, cube->npoints[2] - next[2]);
+      for (unsigned c = 0; c < 3; ++c) {
+        for (unsigned n = 0; n < run; ++n) {
+          points[std::size_t{c} * room + count + n] = cube_coordinate(cube, next[0], next[1], next[2] + n, c);
+        }
+      }
+      count += run;
+      advance(run);
+    }
+    exact.run(count, points.data());
+    held = Held::block;
+  }
+
+  void advance(unsigned run) {
+    next[2] += run;
+    for (unsigned axis = 2; axis > 0 && next[axis] == cube->npoints[axis]; --axis) {
+      next[axis] = 0;
+      ++next[axis - 1];
+    }
+  }
+
+  const CubeDefinition* cube;
+  std::size_t field_count;
+  Sweep exact;
+  std::unique_ptr<RowSweep> rows;  // null: the exact sweep does it all
+  std::vector<double> points;      // of a block
+  // What is at hand: a row by rows, a row of exact values, or a block that the exact sweep still holds.
+  enum class Held { nothing, row, exact_row, block } held = Held::nothing;
+  unsigned i = 0, j = 0;          // of the row
+  unsigned count = 0;             // of points in the block
+  unsigned next[3] = {};          // indices of the point with which `next` goes on
+  std::vector<double> exact_row;  // [field][point]
+  // Where rows leave much in doubt, one after the other, they are not even tried for a while.
+  unsigned pause = 0, next_pause = 0;
+  std::vector<unsigned> doubts;  // the points of a row that are to be settled
+};
+
+Fields::Fields(const Molecule* molecule, const CubeDefinition* cube, FieldKind kind,
+               std::span<const Orbital> orbitals)
+    : state_(std::make_unique<State>(molecule, cube, kind, weighted(molecule, kind, orbitals),
+                                     choose_instruction_set())) {}
+
+Fields::~Fields() = default;
+
+bool Fields::next() {
+  State& state = *state_;
+  if (state.next[0] == state.cube->npoints[0]) {
+    return false;
+  }
+  if (state.rows == nullptr) {
+    state.run_block();
+  } else {
+    row(state.next[0], state.next[1]);
+    state.advance(state.cube->npoints[2]);
+  }
+  return true;
+}
+
+double Fields::part_done() const {
+  const State& state = *state_;
+  return (state.next[0] + static_cast<double>(state.next[1]) / state.cube->npoints[1]) /
+         state.cube->npoints[0];
+}
+
+void Fields::row(unsigned i, unsigned j) {
+  State& state = *state_;
+  state.i = i;
+  state.j = j;
+  state.run_row(state.rows != nullptr && state.pause == 0);
+  state.pause -= state.pause > 0 ? 1 : 0;
+}
+
+bool Fields::is_exact() const { return state_->held != State::Held::row; }
+
+std::span<const double> Fields::values(std::size_t field) const {
+  const State& state = *state_;
+  const std::size_t length = state.cube->npoints[2];
+  switch (state.held) {
+    case State::Held::row:
+      return state.rows->field(field);
+    case State::Held::exact_row:
+      return {state.exact_row.data() + field * length, length};
+    default:
+      return {state.exact.field(field), state.count};
+  }
+}
+
+std::span<const double> Fields::tolerances(std::size_t field) const {
+  return state_->rows->tolerances(field);
+}
+
+void Fields::settle(std::span<const unsigned char> in_doubt) {
+  State& state = *state_;
+  state.doubts.clear();
+  for (unsigned k = 0; k < in_doubt.size(); ++k) {
+    if (in_doubt[k] != 0) {
+      state.doubts.push_back(k);
+    }
+  }
+  const bool is_worth_while = static_cast<double>(state.doubts.size()) <= doubt_max * state.cube->npoints[2];
+  state.pause = is_worth_while ? 0 : state.next_pause;
+  state.next_pause = is_worth_while ? 0 : std::min(2 * state.next_pause + 1, pause_max);
+  state.run_exact(
+      state.doubts.size(),
+      [&](std::size_t n, unsigned c) {
+        return cube_coordinate(state.cube, state.i, state.j, state.doubts[n], c);
+      },
+      [&](std::size_t field, std::size_t n, double value) {
+        state.rows->field(field)[state.doubts[n]] = value;
+      });
+}
+
+void Fields::at(std::span<const Point> points, std::span<double> values) {
+  state_->run_exact(
+      points.size(), [&](std::size_t n, unsigned c) { return points[n][c]; },
+      [&](std::size_t field, std::size_t n, double value) { values[field * points.size() + n] = value; });
+}
+
+double* Fields::basis_values() { return state_->exact.values(); }
+
+void fields_check() { choose_instruction_set(); }
