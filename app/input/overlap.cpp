@@ -2,16 +2,14 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
-#include <cstdint>
 #include <map>
 #include <numbers>
-#include <tuple>
 
 #include "app/field/point/angular_polynomial.hpp"
 #include "app/field/point/norm.hpp"
 #include "app/field/point/prim.hpp"
+#include "app/field/point/radial.hpp"
 
 namespace {
 
@@ -32,22 +30,6 @@ struct Group {
   std::vector<Powers> powers;
   std::vector<double> coefficients;  // of the orbitals, [monomial][orbital]
 };
-
-// Only primitives on their own keep their ratio from one angular momentum to another.
-auto key_of(const BasisFunction& function) {
-  const auto bits = [&](const double* values) {
-    return function.primitive_count > 0 ? std::bit_cast<std::uint64_t>(values[0]) : 0;
-  };
-  return std::tuple(function.atom_index, function.primitive_count,
-                    function.primitive_count == 1 ? 0 : function.type, bits(function.exponents),
-                    bits(function.coefficients));
-}
-
-bool has_primitives_of(const BasisFunction& function, const BasisFunction& other) {
-  const unsigned n = function.primitive_count;
-  return std::equal(function.exponents, function.exponents + n, other.exponents) &&
-         std::equal(function.coefficients, function.coefficients + n, other.coefficients);
-}
 
 Group group_of(const BasisFunction& function) {
   const unsigned n = function.primitive_count;
@@ -86,27 +68,23 @@ void add_function(const BasisFunction& function, unsigned number, double ratio,
 }
 
 std::vector<Group> make_groups(const Molecule* molecule, std::span<const Orbital> orbitals) {
-  struct Place {
-    std::size_t group;
-    const BasisFunction* first;
-  };
+  const std::vector<unsigned> radials = radials_of(molecule);
   std::vector<Group> groups;
-  std::map<decltype(key_of(*molecule->basis)), Place> places;
+  std::vector<const BasisFunction*> firsts;  // functions, of each group
+  std::map<unsigned, std::size_t> places;    // of the groups, by their radials
   for (unsigned b = 0; b < molecule->basis_count; ++b) {
     const BasisFunction& function = molecule->basis[b];
     if (function.primitive_count == 0) {
       continue;
     }
-    auto [entry, is_new] = places.try_emplace(key_of(function), Place{groups.size(), &function});
-    if (!is_new && !has_primitives_of(function, *entry->second.first)) {
-      entry->second = {groups.size(), &function};
-      is_new = true;
-    }
+    const auto [place, is_new] = places.try_emplace(radials[b], groups.size());
     if (is_new) {
       groups.push_back(group_of(function));
+      firsts.push_back(&function);
     }
-    const double ratio = norm_fce(&function, 0) / norm_fce(entry->second.first, 0);
-    add_function(function, b, ratio, orbitals, &groups[entry->second.group]);
+    const std::size_t group = place->second;
+    const double ratio = norm_fce(&function, 0) / norm_fce(firsts[group], 0);
+    add_function(function, b, ratio, orbitals, &groups[group]);
   }
   return groups;
 }

@@ -8,6 +8,7 @@
 #include "app/field/point/eval.hpp"
 #include "app/field/point/exponential.hpp"
 #include "app/field/point/norm.hpp"
+#include "app/field/point/radial.hpp"
 #include "app/model/shell.hpp"
 
 namespace {
@@ -75,14 +76,6 @@ void find_reach(const BasisFunction* function, const double* norms, std::span<Sw
   }
 }
 
-// Whether functions a and b of a shell type may follow each other in one shell.
-bool is_next_component(const BasisFunction& a, const BasisFunction& b) {
-  const unsigned n = a.primitive_count;
-  return a.type == b.type && a.component + 1 == b.component && n == b.primitive_count &&
-         std::equal(a.exponents, a.exponents + n, b.exponents) &&
-         std::equal(a.coefficients, a.coefficients + n, b.coefficients);
-}
-
 // As many points as keep the values of all basis functions within the second-level cache.
 unsigned choose_block_points(unsigned basis_count, const SweepKernel& kernel) {
   constexpr unsigned cache_values = 192 * (1024 / sizeof(double));
@@ -96,6 +89,7 @@ Sweep::Sweep(const Molecule* molecule, const SweepKernel& kernel, FieldKind fiel
              std::span<const WeightedOrbital> orbitals, double extent)
     : molecule_(molecule),
       kernel_(kernel),
+      radials_(radials_of(molecule)),
       block_points_(choose_block_points(molecule->basis_count, kernel)) {
   const Occupation occupation = occupation_of(molecule);
   plan_.field = field;
@@ -177,9 +171,10 @@ std::size_t Sweep::shell_size(std::span<const unsigned> functions) const {
   if (first.component != 0 || functions.size() < whole) {
     return 1;
   }
-  for (std::size_t i = 1; i < whole; ++i) {
-    if (functions[i] != functions[0] + i ||
-        !is_next_component(basis[functions[i] - 1], basis[functions[i]])) {
+  for (unsigned i = 1; i < whole; ++i) {
+    const unsigned b = functions[i];
+    if (b != functions[0] + i || basis[b].type != first.type || basis[b].component != static_cast<short>(i) ||
+        radials_[b] != radials_[functions[0]]) {
       return 1;
     }
   }

@@ -46,6 +46,7 @@ class Sweep {
 
   const Molecule* molecule_;
   const SweepKernel& kernel_;
+  std::vector<unsigned> radials_;  // of the basis functions
   unsigned block_points_;
   SweepPlan plan_{};
   std::vector<SweepAtom> atoms_;

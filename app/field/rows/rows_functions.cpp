@@ -11,6 +11,7 @@
 #include "app/field/point/exponential.hpp"
 #include "app/field/point/norm.hpp"
 #include "app/field/point/prim.hpp"
+#include "app/field/point/radial.hpp"
 #include "app/field/rows/angular_rounding.hpp"
 #include "app/field/rows/rows_bound.hpp"
 
@@ -40,6 +41,7 @@ struct Part {
 };
 
 struct Radial {
+  unsigned number;  // of radials_of
   const double* exponents;
   std::vector<double> weights;
   unsigned function_count;
@@ -50,7 +52,11 @@ class FunctionBuilder {
  public:
   FunctionBuilder(const Molecule* molecule, const CubeDefinition* cube, const RowKernel& kernel,
                   RowTables* tables)
-      : molecule_(molecule), cube_(cube), kernel_(kernel), tables_(*tables) {}
+      : molecule_(molecule),
+        cube_(cube),
+        kernel_(kernel),
+        tables_(*tables),
+        radial_numbers_(radials_of(molecule)) {}
 
   bool build() {
     if (cube_->npoints[2] < row_length_min || !find_axes() || !fit_tables()) {
@@ -159,10 +165,7 @@ class FunctionBuilder {
       return true;  // next to nothing everywhere
     }
     const auto same = std::ranges::find_if(*radials, [&](const Radial& radial) {
-      if (radial.weights.size() != count ||
-          !std::equal(weights.begin(), weights.end(), radial.weights.begin(),
-                      [](double a, double b) { return (a == 0.0) == (b == 0.0); }) ||
-          !std::equal(radial.exponents, radial.exponents + count, function->exponents)) {
+      if (radial.number != radial_numbers_[number]) {
         return false;
       }
       const double ratio = weights[largest] / radial.weights[largest];
@@ -172,7 +175,7 @@ class FunctionBuilder {
     });
     const auto place = static_cast<std::size_t>(same - radials->begin());
     if (same == radials->end()) {
-      radials->push_back({function->exponents, weights, 0, {}});
+      radials->push_back({radial_numbers_[number], function->exponents, weights, 0, {}});
     }
     Radial& radial = (*radials)[place];
     ++radial.function_count;
@@ -270,7 +273,8 @@ class FunctionBuilder {
   const CubeDefinition* cube_;
   const RowKernel& kernel_;
   RowTables& tables_;
-  unsigned axis_[3] = {};  // the coordinates across and along
+  std::vector<unsigned> radial_numbers_;  // of the basis functions
+  unsigned axis_[3] = {};                 // the coordinates across and along
   unsigned tile_count_ = 0;
   std::vector<RowPart> parts_;
 };
