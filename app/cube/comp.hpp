@@ -12,8 +12,8 @@
 
 // The sweep over the grid: the data of the cube files.
 
-/// Values of all basis functions at the point or points at hand. Null but while the exact sweep evaluates
-/// points, all of the grid or those that rows leave in doubt; comp_point_value has its caller set it.
+/// Values of all basis functions at the point or points that were evaluated exactly last. Null but while the
+/// data of a file are made; comp_point_value has its caller set it.
 extern double* comp_bfce_vec;
 
 /// Writes the data of a field for all points, the third axis fastest, "%13.5e" each, six to a line, every row

@@ -11,8 +11,8 @@
 
 // The one door to the values of fields. Behind it they are evaluated in three ways:
 //
-//   way      what it gives                            where                         time a value
-//   point/   the definition, one point at a time      tests compare with it         30
+//   way      what it gives                            where                         time a value, about
+//   point/   the definition, one point at a time      tests compare with it         20 to 70
 //   exact/   its bits, many points at once            points of any list, and what  1
 //                                                     rows leave in doubt
 //   rows/    a value, and how far, relatively, the    rows of a grid whose steps    1/8 to 1/2
