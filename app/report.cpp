@@ -9,9 +9,9 @@
 
 #include "app/listing/basis.hpp"
 #include "app/listing/coord.hpp"
-#include "app/listing/dmat.hpp"
 #include "app/listing/orbit.hpp"
 #include "app/listing/zmat.hpp"
+#include "app/model/dmat.hpp"
 #include "app/model/setup.hpp"
 #include "app/model/units.hpp"
 #include "lib/file.hpp"

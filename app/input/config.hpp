@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/model/grid.hpp"
+#include "app/model/cube_definition.hpp"
 #include "lib/reader.hpp"
 
 // The configuration file: lines of an item name and a setting.

@@ -1,4 +1,4 @@
-#include "app/listing/dmat.hpp"
+#include "app/model/dmat.hpp"
 
 #include "lib/distance.hpp"
 #include "lib/mat_base.hpp"

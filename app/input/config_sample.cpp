@@ -1,4 +1,4 @@
-#include "app/input/sample.hpp"
+#include "app/input/config_sample.hpp"
 
 #include <array>
 #include <span>
