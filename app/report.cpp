@@ -75,8 +75,8 @@ constexpr std::array listings = {
     Listing{&conf_print_cube, Spins::any, "\n", print_nothing},  // report_cubes goes on
 };
 
-bool is_wanted(const Listing& listing) {
-  const Spins present = inp_rest_scf != 0 ? Spins::restricted : Spins::unrestricted;
+bool is_wanted(const Listing& listing, const Molecule& molecule) {
+  const Spins present = molecule.is_restricted ? Spins::restricted : Spins::unrestricted;
   return *listing.flag != 0 && (listing.spins == Spins::any || listing.spins == present);
 }
 
@@ -163,7 +163,7 @@ void report_listings(Report* report) {
     return;
   }
   for (const Listing& listing : listings) {
-    if (is_wanted(listing)) {
+    if (is_wanted(listing, *report->molecule)) {
       std::fputs(listing.heading, report->stream);
       listing.print(report);
     }

@@ -28,6 +28,7 @@ void read_heading(FchkInput& input) {
     msg_fatal("unexpected end of input file");
   }
   fcheck_input_method(input.line.data());
+  input.molecule->is_restricted = inp_rest_scf != 0;
 }
 
 // A closed shell need not tell the electrons of each spin.
@@ -43,7 +44,7 @@ void settle_electrons(FchkInput& input) {
 
 void tell_electrons(FchkInput& input) {
   const Molecule& molecule = *input.molecule;
-  if (inp_rest_scf == 0 && !fcheck_has_beta_orbitals(input) && molecule.beta_electron_count > 0) {
+  if (!molecule.is_restricted && !fcheck_has_beta_orbitals(input) && molecule.beta_electron_count > 0) {
     msg_tell("no beta orbitals in fchk file, beta electrons are left out; INPUT_CONVENTION 1 has them");
   }
   const std::span beta(molecule.beta_orbitals,
@@ -55,7 +56,7 @@ void tell_electrons(FchkInput& input) {
   if (fcheck_has_beta_orbitals(input) && !beta.empty() && std::ranges::all_of(beta, is_zero)) {
     msg_tell("beta orbitals in fchk file are zeros, beta electrons are left out");
   }
-  if (inp_rest_scf != 0 && molecule.alpha_electron_count != molecule.beta_electron_count &&
+  if (molecule.is_restricted && molecule.alpha_electron_count != molecule.beta_electron_count &&
       input.knows(&Molecule::alpha_electron_count) && input.knows(&Molecule::beta_electron_count)) {
     msg_tell("%u alpha and %u beta electrons are taken for pairs; INPUT_CONVENTION 1 tells them apart",
              molecule.alpha_electron_count, molecule.beta_electron_count);
@@ -63,11 +64,11 @@ void tell_electrons(FchkInput& input) {
 }
 
 void check_electrons(const Molecule& molecule) {
-  const bool are_pairs = inp_rest_scf != 0 && conf_input_convention == 0;
+  const bool are_pairs = molecule.is_restricted && conf_input_convention == 0;
   const unsigned alpha = are_pairs ? molecule.electron_count / 2 : molecule.alpha_electron_count;
   const unsigned beta = are_pairs ? 0 : molecule.beta_electron_count;
   if (alpha > molecule.alpha_orbital_count ||
-      beta > (inp_rest_scf != 0 ? molecule.alpha_orbital_count : molecule.beta_orbital_count)) {
+      beta > (molecule.is_restricted ? molecule.alpha_orbital_count : molecule.beta_orbital_count)) {
     msg_fatal("number of electrons exceeds number of orbitals in fchk file");
   }
 }

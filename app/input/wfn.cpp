@@ -143,6 +143,7 @@ void wfn_read(Molecule* molecule) {
   convention_tell_format(reader.at_hand());
   const Line line = read_line(reader, "unexpected end of WFN file while reading comment line");
   inp_rest_scf = 1;
+  molecule->is_restricted = true;
   if (conf_input_convention != 0) {
     if (!wfn_has_counts(line.data())) {
       str_ctrim(line.data(), molecule->title);

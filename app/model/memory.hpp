@@ -44,10 +44,11 @@ struct Molecule {
   BasisFunction* basis;
   unsigned alpha_orbital_count;
   unsigned beta_orbital_count;
-  bool has_occupations;  // of each orbital; else the counts of electrons tell which are occupied
+  bool is_restricted = true;  // one set of orbitals serves both spins
+  bool has_occupations;       // of each orbital; else the counts of electrons tell which are occupied
 };
 
-/// All counts 0, all pointers null, no title.
+/// All counts 0, all pointers null, no title, restricted.
 void mem_init_mol(Molecule* molecule);
 
 /// `atom_count` zeroed atoms. Without memory the run ends with "cannot allocate memory for atom information".
@@ -57,7 +58,7 @@ void mem_alloc_atoms(Molecule* molecule);
 /// "shell atom index exceedes number of atoms".
 const Atom* mem_centre(const Molecule* molecule, unsigned number);
 
-/// As many orbitals as basis functions, with zero coefficients, for both spins if inp_rest_scf is 0.
+/// As many orbitals as basis functions, with zero coefficients, for both spins unless it is restricted.
 /// The coefficient vectors of a spin lie back to back in one block, released with the first of them.
 /// Without memory the run ends with "cannot allocate memory for alpha molecular orbitals" (or beta).
 void mem_alloc_orbitals(Molecule* molecule);
@@ -81,6 +82,3 @@ void mem_alloc_basis(Molecule* molecule);
 
 /// Releases all that the molecule owns, and the distance matrix (null if none was made).
 void mem_clean(Molecule* molecule, double** distances);
-
-/// Releases a distance matrix of `atom_count` columns; null is allowed.
-void dmat_free(const Molecule* molecule, double** distances);
