@@ -1,5 +1,6 @@
 #include "app/input/fcheck.hpp"
 
+#include "app/input/fcheck_line.hpp"
 #include "app/input/reorder.hpp"
 #include "app/model/shell.hpp"
 #include "small_files.hpp"

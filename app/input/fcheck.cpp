@@ -1,12 +1,10 @@
 #include "app/input/fcheck.hpp"
 
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
-#include <limits>
 #include <span>
 
 #include "app/input/convention.hpp"
+#include "app/input/fcheck_line.hpp"
 #include "app/input/fcheck_sections.hpp"
 #include "app/input/reorder.hpp"
 #include "app/model/memory.hpp"
@@ -16,8 +14,6 @@
 #include "lib/str_trim.hpp"
 
 namespace {
-
-constexpr const char* blanks = " \t";
 
 void read_heading(FchkInput& input) {
   if (!input.reader.line(input.line)) {
@@ -96,31 +92,4 @@ void fcheck_read(Molecule* molecule) {
   }
   check_electrons(*molecule);
   convention_settle_fchk(molecule);
-}
-
-void fcheck_input_method(const char* line) {
-  const char* word = line + std::strspn(line, blanks);
-  word += std::strcspn(word, blanks);
-  word += std::strspn(word, blanks);
-  if (*word == '\0') {
-    msg_fatal("cannot find method which was used to compute MOs");
-  }
-  inp_rest_scf = *word == 'R' ? 1 : 0;
-}
-
-int fcheck_last_int(const char* line) {
-  const char* end = line + std::strlen(line);
-  while (end != line && std::strchr(blanks, end[-1]) != nullptr) {
-    --end;
-  }
-  const char* word = end;
-  while (word != line && std::strchr(blanks, word[-1]) == nullptr) {
-    --word;
-  }
-  char* stop = nullptr;
-  const long value = std::strtol(word, &stop, 10);
-  if (stop == word || value < std::numeric_limits<int>::min() || value > std::numeric_limits<int>::max()) {
-    msg_fatal("cannot convert last word into integer");
-  }
-  return static_cast<int>(value);
 }

@@ -7,7 +7,7 @@
 #include <optional>
 #include <span>
 
-#include "app/input/fcheck.hpp"
+#include "app/input/fcheck_line.hpp"
 #include "app/model/setup.hpp"
 #include "app/model/shell.hpp"
 #include "lib/atom.hpp"
