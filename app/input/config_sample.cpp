@@ -1,81 +1,16 @@
 #include "app/input/config_sample.hpp"
 
-#include <array>
-#include <span>
-#include <variant>
+#include <cstdlib>
 
+#include "app/input/config_items.hpp"
 #include "app/model/setup.hpp"
 #include "lib/file.hpp"
 
 namespace {
 
-struct YesOrNo {
-  int standard;
-};
-struct FileName {
-  const char* standard;
-};
-using Values = std::variant<YesOrNo, FileName, const char*>;  // what the setting may be, and its default
+constexpr const char* title = "# orva - config file\n";
 
-struct Item {
-  const char* purpose;
-  Values values;
-  const char* name;
-  const char* setting;
-  const char* explained_setting = nullptr;  // of the explained sample, where it differs
-};
-
-struct Section {
-  const char* heading;
-  std::span<const Item> items;
-};
-
-constexpr std::array print_items = {
-    Item{"width of printed matrices and vectors", "[integer greater than 0] default 5", "PRINTED_WIDTH", "5"},
-    Item{"print cartesian atomic coordinates", YesOrNo{1}, "PRINT_COORD", "1"},
-    Item{"print internal coordinates (z-matrix)", YesOrNo{0}, "PRINT_ZMAT", "0"},
-    Item{"print distance matrix", YesOrNo{0}, "PRINT_DIST_MAT", "0"},
-    Item{"print contracted shells", YesOrNo{1}, "PRINT_SHELL", "1", "0"},
-    Item{"print basis functions", YesOrNo{0}, "PRINT_BASE", "0"},
-    Item{"print molecular orbital's coefficients", YesOrNo{0}, "PRINT_MO", "0"},
-    Item{"print cube definition", YesOrNo{1}, "PRINT_CUBE_PAR", "1"},
-};
-
-constexpr std::array file_items = {
-    Item{"write cube file", YesOrNo{1}, "PRINT_CUBE", "1"},
-    Item{"total density cube file's name", FileName{"out.den"}, "CUBE_FILE_DENSITY", "out.den"},
-    Item{"single molecular orbital file's name", FileName{"out.orb"}, "CUBE_FILE_ORBITAL", "out.orb"},
-    Item{"density of molecular orbital file's name", FileName{"out.mod"}, "CUBE_FILE_MODEN", "out.mod"},
-    Item{"average local ionization potential file's name", FileName{"out.orva"}, "CUBE_FILE_ORVA",
-         "out.orva"},
-    Item{"write total density", YesOrNo{1}, "CUBE_TOT_DENSITY", "1"},
-    Item{"write all moleculars orbital", YesOrNo{0}, "CUBE_ALL_MO", "0"},
-    Item{"write single molecular orbital", YesOrNo{0}, "CUBE_ONE_MO", "0"},
-    Item{
-        "specify type of single molecular orbital to write",
-        "[0 is alpha, 1 is beta orbital, if restricted method in input file was used then there has to be 0] "
-        "default 0",
-        "CUBE_ONE_TYPE", "0"},
-    Item{"specify single molecular orbital to write", "[integer from 1 to number of MOs] default 1",
-         "CUBE_ONE_SPEC", "1"},
-    Item{"write density of one molecular orbital",
-         "[0 is false, interger greater than 0 is number of MO to write] default 0", "CUBE_ONE_MODEN", "0"},
-    Item{"write average local ionization potential", YesOrNo{1}, "CUBE_ORVA", "1"},
-};
-
-constexpr std::array grid_items = {
-    Item{"specify cube definition", "[0, 1 or 2] default 0\n#\n# 0 = generate cube automatically",
-         "DEFINE_CUBE", "0"},
-};
-static_assert(print_items.size() + file_items.size() + grid_items.size() == 21,
-              "the items of a configuration");
-
-constexpr std::array sections = {
-    Section{"print option", print_items},
-    Section{"cube file option", file_items},
-    Section{"cube definition", grid_items},
-};
-
+constexpr const char* automatic_grid = "#\n# 0 = generate cube automatically\n";
 constexpr const char* grid_examples =
     "# 1 = vector definition of cube\n"
     "# DEFINE_CUBE 1\n"
@@ -92,34 +27,50 @@ constexpr const char* grid_examples =
     "#  1.000000  1.000000  1.000000   # 4. point D, z direction is vector CD\n"
     "#  80 80 80                       # number of points in x,y,z direction\n\n";
 
-constexpr const char* title = "# orva - config file\n";
+void print_values(std::FILE* stream, const ConfigItem& item) {
+  if (item.sample.values != nullptr) {
+    std::fprintf(stream, "# %s default %s\n", item.sample.values, item.setting());
+  } else if (item.kind == ConfigKind::file_name) {
+    default_str(stream, item.setting());
+  } else {
+    default_bool(stream, std::atoi(item.setting()));
+  }
+}
 
-void print_values(std::FILE* stream, YesOrNo values) { default_bool(stream, values.standard); }
-void print_values(std::FILE* stream, FileName values) { default_str(stream, values.standard); }
-void print_values(std::FILE* stream, const char* values) { std::fprintf(stream, "# %s\n", values); }
+// Calls `print` for every item of the samples, each section under its heading.
+template <class Print>
+void print_items(std::FILE* stream, const char* below_heading, Print print) {
+  std::fputs(title, stream);
+  const char* section = nullptr;
+  for (const ConfigItem& item : conf_items()) {
+    if (item.sample.section == nullptr) {
+      continue;
+    }
+    if (item.sample.section != section) {
+      section = item.sample.section;
+      std::fprintf(stream, "\n# %s\n%s", section, below_heading);
+    }
+    print(item);
+  }
+}
 
 void print_simple(std::FILE* stream) {
-  std::fputs(title, stream);
-  for (const auto& [heading, items] : sections) {
-    std::fprintf(stream, "\n# %s\n", heading);
-    for (const Item& item : items) {
-      std::fprintf(stream, "%s %s\n", item.name, item.setting);
-    }
-  }
+  print_items(stream, "", [stream](const ConfigItem& item) {
+    std::fprintf(stream, "%s %s\n", item.name, item.setting());
+  });
   std::fputc('\n', stream);
 }
 
 void print_verbose(std::FILE* stream) {
-  std::fputs(title, stream);
-  for (const auto& [heading, items] : sections) {
-    std::fprintf(stream, "\n# %s\n\n", heading);
-    for (const Item& item : items) {
-      std::fprintf(stream, "# %s\n", item.purpose);
-      std::visit([stream](auto values) { print_values(stream, values); }, item.values);
-      const bool has_own = item.explained_setting != nullptr;
-      std::fprintf(stream, "%s %s\n", item.name, has_own ? item.explained_setting : item.setting);
+  print_items(stream, "\n", [stream](const ConfigItem& item) {
+    std::fprintf(stream, "# %s\n", item.sample.purpose);
+    print_values(stream, item);
+    if (item.kind == ConfigKind::grid) {
+      std::fputs(automatic_grid, stream);
     }
-  }
+    const char* const own = item.sample.explained_setting;
+    std::fprintf(stream, "%s %s\n", item.name, own != nullptr ? own : item.setting());
+  });
   std::fputs(grid_examples, stream);
 }
 
