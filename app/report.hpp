@@ -3,7 +3,7 @@
 #include <cstdio>
 
 #include "app/model/cube_definition.hpp"
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 
 // The report of a run, in its order, and the choice of the cube files.
 

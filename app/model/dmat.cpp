@@ -1,6 +1,6 @@
 #include "app/model/dmat.hpp"
 
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 #include "lib/distance.hpp"
 #include "lib/mat_base.hpp"
 
