@@ -1,11 +1,10 @@
-#include <cstdio>
 #include <new>
 
-#include "app/cube/cube.hpp"
 #include "app/input/config.hpp"
 #include "app/input/fcheck.hpp"
 #include "app/input/options.hpp"
 #include "app/input/wfn.hpp"
+#include "app/model/cube_definition.hpp"
 #include "app/model/memory.hpp"
 #include "app/model/setup.hpp"
 #include "app/report.hpp"
@@ -27,16 +26,11 @@ int main(int argc, char** argv) try {
     wfn_read(&molecule);
   }
   cube_define(&molecule, &cube);
-  report_check(&molecule);
 
   // Only now: an input that cannot be read leaves an earlier report as it was.
-  Report report = {&molecule, &cube, set_output(), nullptr};
-  report_banner(report);
-  report_listings(&report);
-  report_cubes(report);
-  report_end(report);
+  Report report = {&molecule, &cube};
+  report_write(&report);
 
-  close_output(report.stream);
   mem_clean(&molecule, report.distances);
   return file_is_any_incomplete() ? 1 : 0;
 } catch (const std::bad_alloc&) {

@@ -7,13 +7,16 @@
 #include <string>
 #include <vector>
 
+#include "app/cube/cube.hpp"
 #include "app/listing/basis.hpp"
 #include "app/listing/coord.hpp"
-#include "app/listing/dmat.hpp"
 #include "app/listing/orbit.hpp"
 #include "app/listing/zmat.hpp"
+#include "app/model/dmat.hpp"
+#include "app/model/field.hpp"
 #include "app/model/setup.hpp"
 #include "app/model/units.hpp"
+#include "app/output.hpp"
 #include "lib/file.hpp"
 #include "lib/mat_print.hpp"
 #include "lib/print.hpp"
@@ -72,11 +75,11 @@ constexpr std::array listings = {
     Listing{&conf_print_mo, Spins::unrestricted, "\n\n  Beta molecular orbitals:\n\n",
             print_orbitals<orbit_beta>},
     Listing{&conf_print_cubp, Spins::any, "\n\n  Cube file parameters:\n\n", print_grid},
-    Listing{&conf_print_cube, Spins::any, "\n", print_nothing},  // report_cubes goes on
+    Listing{&conf_print_cube, Spins::any, "\n", print_nothing},  // write_cubes goes on
 };
 
-bool is_wanted(const Listing& listing) {
-  const Spins present = inp_rest_scf != 0 ? Spins::restricted : Spins::unrestricted;
+bool is_wanted(const Listing& listing, const Molecule& molecule) {
+  const Spins present = molecule.is_restricted ? Spins::restricted : Spins::unrestricted;
   return *listing.flag != 0 && (listing.spins == Spins::any || listing.spins == present);
 }
 
@@ -137,56 +140,52 @@ std::vector<NamedFile> files_of_run(const Molecule* molecule) {
   return files;
 }
 
-}  // namespace
-
-std::FILE* set_output() { return glob_file_output[0] != '\0' ? file_open(glob_file_output, "w") : stdout; }
-
-void close_output(std::FILE* stream) {
-  if (stream != stdout) {
-    file_close(stream);
-  } else {
-    file_flush_output();
-  }
+void print_banner(std::FILE* stream) {
+  print_fhline(stream);
+  print_fcenter(stream, "ORVA " ORVA_VERSION);
+  print_fhline(stream);
 }
 
-void report_banner(const Report& report) {
-  if (arg_quiet != 0) {
-    return;
-  }
-  print_fhline(report.stream);
-  print_fcenter(report.stream, "ORVA " ORVA_VERSION);
-  print_fhline(report.stream);
-}
-
-void report_listings(Report* report) {
-  if (arg_quiet != 0) {
-    return;
-  }
+void print_listings(Report* report) {
   for (const Listing& listing : listings) {
-    if (is_wanted(listing)) {
+    if (is_wanted(listing, *report->molecule)) {
       std::fputs(listing.heading, report->stream);
       listing.print(report);
     }
   }
 }
 
-void report_check(const Molecule* molecule) {
+void print_end(std::FILE* stream) {
+  std::fputc('\n', stream);
+  print_fccenter(stream, "End", '-');
+}
+
+// Before any file is opened for writing.
+void check(const Molecule* molecule) {
   for (const std::int16_t code : wanted_codes()) {
     cube_check(molecule, code);
   }
   file_check_distinct(files_of_run(molecule));
 }
 
-void report_cubes(const Report& report) {
+void write_cubes(const Report& report) {
   for (const std::int16_t code : wanted_codes()) {
     cube_write(report.molecule, report.cube, report.stream, code);
   }
 }
 
-void report_end(const Report& report) {
-  if (arg_quiet != 0) {
-    return;
+}  // namespace
+
+void report_write(Report* report) {
+  check(report->molecule);
+  report->stream = set_output();
+  if (arg_quiet == 0) {
+    print_banner(report->stream);
+    print_listings(report);
   }
-  std::fputc('\n', report.stream);
-  print_fccenter(report.stream, "End", '-');
+  write_cubes(*report);
+  if (arg_quiet == 0) {
+    print_end(report->stream);
+  }
+  close_output(report->stream);
 }

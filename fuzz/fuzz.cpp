@@ -11,6 +11,7 @@
 #include <map>
 #include <string>
 
+#include "app/input/config_items.hpp"
 #include "app/model/setup.hpp"
 #include "lib/message.hpp"
 
@@ -35,12 +36,9 @@ auto with_values(Settings&... settings) {
   return std::array{with_value(settings)...};
 }
 
-const auto defaults = with_values(
-    glob_file_input, glob_file_config, glob_file_output, conf_input_convention, arg_quiet, arg_warning,
-    inp_format, inp_rest_scf, conf_width, conf_print_coord, conf_print_zmat, conf_print_dmat,
-    conf_print_shell, conf_print_base, conf_print_mo, conf_print_cubp, conf_print_cube, conf_cube_totd,
-    conf_cube_allmo, conf_cube_onemo, conf_cube_onety, conf_cube_onesp, conf_cube_moden, conf_cube_orva,
-    conf_cube_def, glob_cube_file_tot, glob_cube_file_orb, glob_cube_file_mod, glob_cube_file_orva);
+// Those that are no items of the configuration.
+const auto defaults = with_values(glob_file_input, glob_file_config, glob_file_output, arg_quiet, arg_warning,
+                                  inp_format, inp_rest_scf);
 
 void prepare(std::string_view input) {
   // No messages; reports of the sanitizers and of the fuzzer do not go through the stream.
@@ -53,6 +51,7 @@ void prepare(std::string_view input) {
   for (const auto& [setting, value] : defaults) {
     value.copy(setting, value.size());
   }
+  conf_restore();
   std::snprintf(glob_file_input, file_name_size, "/proc/self/fd/%d", file);
   std::snprintf(glob_file_config, file_name_size, "/proc/self/fd/%d", file);
   msg_ef = {.hook = [](void*, void*) { throw FatalError(); }};

@@ -238,7 +238,7 @@ bool Reader::take_real(std::string& text) {
   if (is_hexadecimal) {
     return text.size() > sign + 2;
   }
-  if (has_digit && has_point && !has_exponent && str_is_exponent(ahead(str_exponent_length + 1))) {
+  if (str_has_bare_exponent(text, ahead(str_exponent_length + 1))) {
     text += 'e';
     for (unsigned i = 0; i < str_exponent_length; ++i) {
       take(text);

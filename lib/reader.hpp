@@ -33,8 +33,8 @@ class Reader {
   /// "%d", "%u" and "%lf": white space (line ends included) is skipped and the longest beginning of a number
   /// is taken; what follows it is left unread. False, with nothing stored, if no number is there. An integer
   /// that does not fit its type counts as none ("%u" takes a minus sign, as the C library does); a real
-  /// beyond the largest is infinite. Beyond "%lf", a real with a decimal point may have an exponent of three
-  /// digits without a letter, as Fortran writes it (str_is_exponent).
+  /// beyond the largest is infinite. Beyond "%lf", a real may have an exponent without a letter
+  /// (str_has_bare_exponent).
   bool number(int& value);
   bool number(unsigned& value);
   bool number(double& value);

@@ -38,14 +38,16 @@ int str_compare(const char* first, const char* second) {
   return is_end_reached && *skip(first, " \n") == '\0' && *skip(second, " \n") == '\0';
 }
 
-bool str_is_exponent(std::string_view text) {
+bool str_has_bare_exponent(std::string_view real, std::string_view behind) {
   const auto is_digit = [](unsigned char character) { return std::isdigit(character) != 0; };
   const auto is_space = [](unsigned char character) { return std::isspace(character) != 0; };
-  const std::string_view digits = text.substr(std::min<std::size_t>(text.size(), 1), 3);
-  return (text.starts_with('-') || text.starts_with('+')) && digits.size() == 3 &&
+  const bool may_go_on = real.find('.') != real.npos && real.find_first_of("EeXx") == real.npos &&
+                         std::ranges::any_of(real, is_digit);
+  const std::string_view digits = behind.substr(std::min<std::size_t>(behind.size(), 1), 3);
+  return may_go_on && (behind.starts_with('-') || behind.starts_with('+')) && digits.size() == 3 &&
          std::ranges::all_of(digits, is_digit) &&
-         (text.size() == str_exponent_length ||
-          is_space(static_cast<unsigned char>(text[str_exponent_length])));
+         (behind.size() == str_exponent_length ||
+          is_space(static_cast<unsigned char>(behind[str_exponent_length])));
 }
 
 const char* str_fortran_real(const char* text, double* value) {
@@ -55,8 +57,7 @@ const char* str_fortran_real(const char* text, double* value) {
   }
   const char* const rest = text + length;
   std::string number(text, rest);
-  const bool has_point_alone = number.find('.') != number.npos && number.find_first_of("EeXx") == number.npos;
-  if (!has_point_alone || !str_is_exponent(rest)) {
+  if (!str_has_bare_exponent(number, rest)) {
     return rest;
   }
   number.append("E").append(rest, str_exponent_length);

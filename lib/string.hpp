@@ -14,12 +14,14 @@ int str_compare(const char* first, const char* second);
 
 inline constexpr unsigned str_exponent_length = 4;
 
-/// Whether the text begins with an exponent of three digits, which Fortran writes without its letter ("-101"
-/// of "1.5-101"): a sign, exactly three digits, then white space or the end.
-bool str_is_exponent(std::string_view text);
+/// Whether a real goes on, behind what "%lf" takes of it, with an exponent of three digits, which Fortran
+/// writes without its letter ("-101" of "1.5-101"): a sign, exactly three digits, then white space or the end
+/// of `behind`, which holds the next str_exponent_length + 1 characters. `real` must have a decimal point and
+/// a digit, and be neither hexadecimal nor with an exponent of its own.
+bool str_has_bare_exponent(std::string_view real, std::string_view behind);
 
-/// The real at the beginning of the text, as "%lf" takes it, or with a decimal point and an exponent without
-/// its letter. Returns what follows it; null, with `value` untouched, if there is none.
+/// The real at the beginning of the text, as "%lf" takes it, or with a bare exponent. Returns what follows
+/// it; null, with `value` untouched, if there is none.
 const char* str_fortran_real(const char* text, double* value);
 
 /// A number in Fortran notation ("0.5D+01", "0.5-101"); D and d in the word are replaced by E and e. What

@@ -1,5 +1,6 @@
 #include "app/input/config.hpp"
 
+#include "app/input/config_items.hpp"
 #include "app/model/setup.hpp"
 #include "support.hpp"
 
@@ -8,28 +9,29 @@ namespace {
 struct Number {
   std::string item;
   std::int16_t* target;
-  std::int16_t standard;
   std::string setting;
   std::int16_t value;
+  std::int16_t standard = *target;
 };
 
 const Number numbers[] = {
-    {"PRINTED_WIDTH", &conf_width, 5, "32767", 32767},
-    {"PRINT_COORD", &conf_print_coord, 1, "0", 0},
-    {"PRINT_ZMAT", &conf_print_zmat, 0, "1", 1},
-    {"PRINT_DIST_MAT", &conf_print_dmat, 0, "+1", 1},
-    {"PRINT_SHELL", &conf_print_shell, 1, "yes", 0},
-    {"PRINT_BASE", &conf_print_base, 0, "1x", 1},
-    {"PRINT_MO", &conf_print_mo, 0, "01", 1},
-    {"PRINT_CUBE_PAR", &conf_print_cubp, 1, "0\r", 0},
-    {"PRINT_CUBE", &conf_print_cube, 1, "-0", 0},
-    {"CUBE_TOT_DENSITY", &conf_cube_totd, 1, "0", 0},
-    {"CUBE_ALL_MO", &conf_cube_allmo, 0, "1\t# why not", 1},
-    {"CUBE_ONE_MO", &conf_cube_onemo, 0, "1 2", 1},
-    {"CUBE_ONE_TYPE", &conf_cube_onety, 0, "1", 1},
-    {"CUBE_ONE_SPEC", &conf_cube_onesp, 0, "7", 7},
-    {"CUBE_ONE_MODEN", &conf_cube_moden, 0, "12", 12},
-    {"CUBE_ORVA", &conf_cube_orva, 1, "0", 0},
+    {"PRINTED_WIDTH", &conf_width, "32767", 32767},
+    {"PRINT_COORD", &conf_print_coord, "0", 0},
+    {"PRINT_ZMAT", &conf_print_zmat, "1", 1},
+    {"PRINT_DIST_MAT", &conf_print_dmat, "+1", 1},
+    {"PRINT_SHELL", &conf_print_shell, "yes", 0},
+    {"PRINT_BASE", &conf_print_base, "1x", 1},
+    {"PRINT_MO", &conf_print_mo, "01", 1},
+    {"PRINT_CUBE_PAR", &conf_print_cubp, "0\r", 0},
+    {"PRINT_CUBE", &conf_print_cube, "-0", 0},
+    {"CUBE_TOT_DENSITY", &conf_cube_totd, "0", 0},
+    {"CUBE_ALL_MO", &conf_cube_allmo, "1\t# why not", 1},
+    {"CUBE_ONE_MO", &conf_cube_onemo, "1 2", 1},
+    {"CUBE_ONE_TYPE", &conf_cube_onety, "1", 1},
+    {"CUBE_ONE_SPEC", &conf_cube_onesp, "7", 7},
+    {"CUBE_ONE_MODEN", &conf_cube_moden, "12", 12},
+    {"CUBE_ORVA", &conf_cube_orva, "0", 0},
+    {"INPUT_CONVENTION", &conf_input_convention, "1", 1},
 };
 
 const std::tuple<std::string, char*, std::string> file_names[] = {
@@ -54,13 +56,7 @@ class Config : public testing::Test {
 
   void TearDown() override {
     EXPECT_EQ(next_descriptor(), descriptor);
-    for (const Number& number : numbers) {
-      *number.target = number.standard;
-    }
-    for (const auto& [item, target, standard] : file_names) {
-      set_name(target, standard);
-    }
-    conf_cube_def = 0;
+    conf_restore();
   }
 };
 
@@ -71,6 +67,19 @@ TEST_F(Config, EveryNumericItemSetsItsOwnSettingAndNoOther) {
       EXPECT_EQ(*other.target, &other == &chosen ? other.value : other.standard) << chosen.item << other.item;
     }
     TearDown();
+  }
+}
+
+TEST_F(Config, TheManPageTellsEveryItemAndItsDefault) {
+  const std::string page = read_file(ORVA_TEST_DATA "/../../doc/orva.conf.5");
+  const auto tells = [&](const ConfigItem& item) {
+    const std::size_t at = page.find(formatted("\n.B %s ", item.name) + item.standard + "\n");
+    const std::string paragraph = at != page.npos ? page.substr(at, page.find("\n.TP", at) - at) : "";
+    return page.find(formatted("\n%s;", item.name) + item.standard + ";") != page.npos ||
+           paragraph.find("\nThe default.\n") != paragraph.npos;
+  };
+  for (const ConfigItem& item : conf_items()) {
+    EXPECT_TRUE(tells(item)) << item.name << ' ' << item.standard;
   }
 }
 

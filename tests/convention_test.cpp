@@ -224,7 +224,7 @@ TEST(Convention, CheckpointElectronsAreInOneSetOfOrbitalsOrInTwo) {
       const bool is_alpha = orbital - molecule->alpha_orbitals < 5 && orbital >= molecule->alpha_orbitals;
       result += formatted(" %g", weight) + (is_alpha ? "a" : "b");
     }
-    return result + (inp_rest_scf != 0 ? " one set" : " two sets");
+    return result + (molecule->is_restricted ? " one set" : " two sets");
   };
   EXPECT_EQ(occupations(alone), "pairs 1a 1a one set");
   EXPECT_EQ(occupations(broken(alone, "alpha electrons", "alpha electrons 3\n")), " 2a 2a 1a one set");

@@ -70,7 +70,6 @@ TEST(Cube, OrbitalsThatAreNotThereAreRejected) {
   unrestricted->beta_orbital_count = 4;
   expect_error([&] { cube_check(unrestricted.get(), field_one_orbital); },
                invalid + "number of orbital from 1 to 4 expected");
-  inp_rest_scf = 1;
   conf_cube_onety = conf_cube_onesp = conf_cube_moden = 0;
   Molecule large{};
   large.alpha_orbital_count = 32768;

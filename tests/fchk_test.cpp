@@ -1,5 +1,6 @@
 #include "app/input/fcheck.hpp"
 
+#include "app/input/fcheck_line.hpp"
 #include "app/input/reorder.hpp"
 #include "app/model/shell.hpp"
 #include "small_files.hpp"
@@ -19,7 +20,7 @@ TEST(Fchk, FillsTheMolecule) {
   const auto molecule = read_fchk(fchk_text(fields));
   const Molecule& m = *molecule;
   EXPECT_STREQ(m.title, "two words");
-  EXPECT_EQ(inp_rest_scf, 0);
+  EXPECT_EQ(std::tuple(inp_rest_scf, m.is_restricted), std::tuple(0, false));
   EXPECT_EQ(std::tie(m.charge, m.multiplicity, m.shell_count, m.primitive_count), std::tuple(1, 3U, 2U, 5U));
   EXPECT_EQ(std::tie(m.electron_count, m.alpha_electron_count, m.beta_electron_count),
             std::tuple(4U, 3U, 2U));

@@ -116,7 +116,7 @@ Found find_in_orbital(std::vector<Part> parts, const CubeDefinition& cube,
   Orbital orbital = {-1.0, coefficients.data(), 0.0};
   molecule.atoms = &atom, molecule.basis = functions.data(), molecule.alpha_orbitals = &orbital;
   molecule.basis_count = static_cast<unsigned>(functions.size());
-  molecule.atom_count = 1, molecule.electron_count = 2, inp_rest_scf = 1;
+  molecule.atom_count = 1, molecule.electron_count = 2;
   Found found;
   with_every_kernel([&](const char*) {
     for (const FieldKind field : fields) {

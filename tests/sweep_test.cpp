@@ -6,7 +6,7 @@
 #include "app/field/point/pack.hpp"
 #include "app/input/fcheck.hpp"
 #include "app/input/wfn.hpp"
-#include "app/model/grid.hpp"
+#include "app/model/cube_definition.hpp"
 #include "lib/str_real.hpp"
 #include "small_files.hpp"
 

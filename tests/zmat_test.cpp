@@ -1,8 +1,8 @@
 // The tree of the bonds and the Z-matrix.
 
 #include "app/listing/zmat.hpp"
-#include "app/listing/dmat.hpp"
 #include "app/listing/graph.hpp"
+#include "app/model/dmat.hpp"
 #include "app/model/units.hpp"
 #include "lib/mat_base.hpp"
 #include "lib/vec_oper.hpp"

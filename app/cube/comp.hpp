@@ -6,8 +6,8 @@
 #include <memory>
 #include <span>
 
+#include "app/model/cube_definition.hpp"
 #include "app/model/field.hpp"
-#include "app/model/grid.hpp"
 #include "app/model/memory.hpp"
 
 // The sweep over the grid: the data of the cube files.

@@ -68,9 +68,9 @@ unsigned orbital_count_of(const Molecule* molecule, std::int16_t code) {
 }
 
 // The codes of the orbitals' files: alpha, and beta of an unrestricted wavefunction.
-std::span<const std::int16_t> orbital_codes() {
+std::span<const std::int16_t> orbital_codes(const Molecule* molecule) {
   static constexpr std::array<std::int16_t, 2> codes = {field_alpha_orbital, field_beta_orbital};
-  return std::span(codes).first(inp_rest_scf != 0 ? 1 : 2);
+  return std::span(codes).first(molecule->is_restricted ? 1 : 2);
 }
 
 // One file per orbital of a spin. Where memory allows, the orbitals are evaluated in blocks, so that the
@@ -132,13 +132,13 @@ void cube_check(const Molecule* molecule, std::int16_t code) {
   const bool wants_beta = code == field_one_orbital && conf_cube_onety != 0;
   if (code == field_one_orbital || code == field_orbital_density) {
     const std::int16_t orbital = code == field_one_orbital ? conf_cube_onesp : conf_cube_moden;
-    const bool has_beta = wants_beta && inp_rest_scf == 0;
+    const bool has_beta = wants_beta && !molecule->is_restricted;
     const unsigned last = orbital_count_of(molecule, has_beta ? field_beta_orbital : field_alpha_orbital);
     if (orbital < 1 || static_cast<unsigned>(orbital) > last) {
       msg_fatal_format("invalid value in config file - number of orbital from 1 to %u expected", last);
     }
   }
-  if (wants_beta && inp_rest_scf != 0) {
+  if (wants_beta && molecule->is_restricted) {
     msg_fatal("invalid value in config file - no beta orbitals in restricted wavefunction");
   }
   fields_check();
@@ -150,7 +150,7 @@ std::vector<std::string> cube_file_names(const Molecule* molecule, std::int16_t 
     case field_density:
       return {glob_cube_file_tot};
     case field_all_orbitals:
-      for (const std::int16_t spin : orbital_codes()) {
+      for (const std::int16_t spin : orbital_codes(molecule)) {
         for (unsigned n = 1; n <= orbital_count_of(molecule, spin); ++n) {
           names.push_back(orbital_file_name(spin, n));
         }
@@ -188,7 +188,7 @@ void cube_write(const Molecule* molecule, const CubeDefinition* cube, std::FILE*
       write(code, 0);
       break;
     case field_all_orbitals:
-      for (const std::int16_t spin : orbital_codes()) {
+      for (const std::int16_t spin : orbital_codes(molecule)) {
         write_all_orbitals(molecule, cube, report, spin);
       }
       break;

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "app/model/cube_definition.hpp"
 #include "app/model/field.hpp"
-#include "app/model/grid.hpp"
 #include "app/model/memory.hpp"
 
 // The cube files.

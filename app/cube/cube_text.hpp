@@ -4,7 +4,7 @@
 #include <memory>
 #include <span>
 
-#include "app/model/grid.hpp"
+#include "app/model/cube_definition.hpp"
 
 /// The data of a cube file as text: "%13.5e" each, six values to a line, every row of the third axis on a new
 /// line.

@@ -10,7 +10,9 @@
 #include <span>
 #include <string_view>
 #include <system_error>
+#include <variant>
 
+#include "app/input/config_items.hpp"
 #include "app/model/setup.hpp"
 #include "lib/file.hpp"
 #include "lib/message.hpp"
@@ -30,59 +32,10 @@ int integer(const char* setting) {
                                            std::numeric_limits<int>::max()));
 }
 
-std::int16_t check_positive(const char* setting) { return conf_check_intgt(setting, 0); }
-std::int16_t check_natural(const char* setting) { return conf_check_intgt(setting, -1); }
-
-struct NumericItem {
-  std::string_view name;
-  std::int16_t* target;
-  std::int16_t (*check)(const char* setting);
-};
-
-constexpr std::array numeric_items = {
-    NumericItem{"PRINT_COORD", &conf_print_coord, check_bool},
-    NumericItem{"PRINT_ZMAT", &conf_print_zmat, check_bool},
-    NumericItem{"PRINT_DIST_MAT", &conf_print_dmat, check_bool},
-    NumericItem{"PRINT_SHELL", &conf_print_shell, check_bool},
-    NumericItem{"PRINT_BASE", &conf_print_base, check_bool},
-    NumericItem{"PRINTED_WIDTH", &conf_width, check_positive},
-    NumericItem{"PRINT_MO", &conf_print_mo, check_bool},
-    NumericItem{"PRINT_CUBE", &conf_print_cube, check_bool},
-    NumericItem{"CUBE_TOT_DENSITY", &conf_cube_totd, check_bool},
-    NumericItem{"CUBE_ALL_MO", &conf_cube_allmo, check_bool},
-    NumericItem{"CUBE_ONE_MO", &conf_cube_onemo, check_bool},
-    NumericItem{"CUBE_ONE_TYPE", &conf_cube_onety, check_bool},
-    NumericItem{"CUBE_ONE_SPEC", &conf_cube_onesp, check_natural},
-    NumericItem{"CUBE_ONE_MODEN", &conf_cube_moden, check_natural},
-    NumericItem{"CUBE_ORVA", &conf_cube_orva, check_bool},
-    NumericItem{"PRINT_CUBE_PAR", &conf_print_cubp, check_bool},
-    NumericItem{"INPUT_CONVENTION", &conf_input_convention, check_bool},
-};
-static_assert(numeric_items.size() == 17, "file names and the grid have tables of their own");
-
-struct FileNameItem {
-  std::string_view name;
-  char* target;  // file_name_size bytes
-};
-
-constexpr std::array file_name_items = {
-    FileNameItem{"CUBE_FILE_DENSITY", glob_cube_file_tot},
-    FileNameItem{"CUBE_FILE_ORBITAL", glob_cube_file_orb},
-    FileNameItem{"CUBE_FILE_MODEN", glob_cube_file_mod},
-    FileNameItem{"CUBE_FILE_ORVA", glob_cube_file_orva},
-};
-
-constexpr std::string_view grid_item = "DEFINE_CUBE";
-
 // Null if there is no such file. A directory could be opened, but not read.
 std::FILE* open_if_file(const char* path) {
   std::error_code ignored;
   return std::filesystem::is_directory(path, ignored) ? nullptr : std::fopen(path, "r");
-}
-
-template <class Items>
-constexpr auto find_item(const Items& items, std::string_view name) {
-  return std::find_if(items.begin(), items.end(), [name](const auto& item) { return item.name == name; });
 }
 
 // Part of a line between blanks.
@@ -148,17 +101,6 @@ void read_point_counts(Reader* stream, CubeDefinition* cube) {
 
 }  // namespace
 
-std::vector<std::string_view> conf_names() {
-  std::vector names = {grid_item};
-  for (const NumericItem& item : numeric_items) {
-    names.push_back(item.name);
-  }
-  for (const FileNameItem& item : file_name_items) {
-    names.push_back(item.name);
-  }
-  return names;
-}
-
 void conf_read(CubeDefinition* cube) {
   std::FILE* file = open_if_file(glob_file_config);
   if (file == nullptr) {
@@ -205,18 +147,27 @@ void conf_analyze_line(Reader* stream, CubeDefinition* cube, const char* line) {
 }
 
 void conf_assign(Reader* stream, CubeDefinition* cube, const char* name, const char* setting) {
-  const auto number = find_item(numeric_items, name);
-  const auto file_name = find_item(file_name_items, name);
-  if (number != numeric_items.end()) {
-    *number->target = number->check(setting);
-  } else if (file_name != file_name_items.end()) {
-    if (std::snprintf(file_name->target, file_name_size, "%s", setting) >= static_cast<int>(file_name_size)) {
-      msg_fatal(bad_setting);
-    }
-  } else if (name == grid_item) {
-    conf_read_cube(stream, cube, static_cast<unsigned>(integer(setting)));
-  } else {
+  const std::span items = conf_items();
+  const auto item = std::ranges::find(items, std::string_view(name), &ConfigItem::name);
+  if (item == items.end()) {
     msg_fatal_format("invalid option in config file '%s'", name);
+  }
+  const auto set_number = [&](std::int16_t value) { *std::get<std::int16_t*>(item->target) = value; };
+  switch (item->kind) {
+    case ConfigKind::zero_or_one:
+      return set_number(check_bool(setting));
+    case ConfigKind::positive:
+      return set_number(conf_check_intgt(setting, 0));
+    case ConfigKind::natural:
+      return set_number(conf_check_intgt(setting, -1));
+    case ConfigKind::file_name:
+      if (std::snprintf(std::get<char*>(item->target), file_name_size, "%s", setting) >=
+          static_cast<int>(file_name_size)) {
+        msg_fatal(bad_setting);
+      }
+      return;
+    case ConfigKind::grid:
+      return conf_read_cube(stream, cube, static_cast<unsigned>(integer(setting)));
   }
 }
 

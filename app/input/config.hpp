@@ -1,16 +1,11 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
-#include <vector>
 
-#include "app/model/grid.hpp"
+#include "app/model/cube_definition.hpp"
 #include "lib/reader.hpp"
 
 // The configuration file: lines of an item name and a setting.
-
-/// The names of all items.
-std::vector<std::string_view> conf_names();
 
 /// Reads glob_file_config, or "config" if that cannot be opened, into the settings, and an explicit grid into
 /// `cube` (bohr). Without either file the defaults stay in force, with a warning if arg_warning is set.

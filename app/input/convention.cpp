@@ -322,11 +322,12 @@ void convention_settle_wfn(Molecule* molecule) {
 void convention_place_electrons(Molecule* molecule) {
   const unsigned alpha = molecule->alpha_electron_count, beta = molecule->beta_electron_count;
   // What the method's name tells so far: a closed shell that lists its orbitals twice.
-  if (inp_rest_scf != 0 && alpha == beta && has_equal_spins(molecule)) {
+  if (molecule->is_restricted && alpha == beta && has_equal_spins(molecule)) {
     mem_free_beta_orbitals(molecule);
   }
-  inp_rest_scf = molecule->beta_orbitals == nullptr ? 1 : 0;
-  if (inp_rest_scf == 0) {
+  molecule->is_restricted = molecule->beta_orbitals == nullptr;
+  inp_rest_scf = molecule->is_restricted ? 1 : 0;
+  if (!molecule->is_restricted) {
     return;
   }
   molecule->electron_count = alpha + beta;

@@ -1,12 +1,10 @@
 #include "app/input/fcheck.hpp"
 
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
-#include <limits>
 #include <span>
 
 #include "app/input/convention.hpp"
+#include "app/input/fcheck_line.hpp"
 #include "app/input/fcheck_sections.hpp"
 #include "app/input/reorder.hpp"
 #include "app/model/memory.hpp"
@@ -17,8 +15,6 @@
 
 namespace {
 
-constexpr const char* blanks = " \t";
-
 void read_heading(FchkInput& input) {
   if (!input.reader.line(input.line)) {
     msg_fatal("unexpected end of fchk file while reading comment line");
@@ -28,6 +24,7 @@ void read_heading(FchkInput& input) {
     msg_fatal("unexpected end of input file");
   }
   fcheck_input_method(input.line.data());
+  input.molecule->is_restricted = inp_rest_scf != 0;
 }
 
 // A closed shell need not tell the electrons of each spin.
@@ -43,7 +40,7 @@ void settle_electrons(FchkInput& input) {
 
 void tell_electrons(FchkInput& input) {
   const Molecule& molecule = *input.molecule;
-  if (inp_rest_scf == 0 && !fcheck_has_beta_orbitals(input) && molecule.beta_electron_count > 0) {
+  if (!molecule.is_restricted && !fcheck_has_beta_orbitals(input) && molecule.beta_electron_count > 0) {
     msg_tell("no beta orbitals in fchk file, beta electrons are left out; INPUT_CONVENTION 1 has them");
   }
   const std::span beta(molecule.beta_orbitals,
@@ -55,7 +52,7 @@ void tell_electrons(FchkInput& input) {
   if (fcheck_has_beta_orbitals(input) && !beta.empty() && std::ranges::all_of(beta, is_zero)) {
     msg_tell("beta orbitals in fchk file are zeros, beta electrons are left out");
   }
-  if (inp_rest_scf != 0 && molecule.alpha_electron_count != molecule.beta_electron_count &&
+  if (molecule.is_restricted && molecule.alpha_electron_count != molecule.beta_electron_count &&
       input.knows(&Molecule::alpha_electron_count) && input.knows(&Molecule::beta_electron_count)) {
     msg_tell("%u alpha and %u beta electrons are taken for pairs; INPUT_CONVENTION 1 tells them apart",
              molecule.alpha_electron_count, molecule.beta_electron_count);
@@ -63,11 +60,11 @@ void tell_electrons(FchkInput& input) {
 }
 
 void check_electrons(const Molecule& molecule) {
-  const bool are_pairs = inp_rest_scf != 0 && conf_input_convention == 0;
+  const bool are_pairs = molecule.is_restricted && conf_input_convention == 0;
   const unsigned alpha = are_pairs ? molecule.electron_count / 2 : molecule.alpha_electron_count;
   const unsigned beta = are_pairs ? 0 : molecule.beta_electron_count;
   if (alpha > molecule.alpha_orbital_count ||
-      beta > (inp_rest_scf != 0 ? molecule.alpha_orbital_count : molecule.beta_orbital_count)) {
+      beta > (molecule.is_restricted ? molecule.alpha_orbital_count : molecule.beta_orbital_count)) {
     msg_fatal("number of electrons exceeds number of orbitals in fchk file");
   }
 }
@@ -95,31 +92,4 @@ void fcheck_read(Molecule* molecule) {
   }
   check_electrons(*molecule);
   convention_settle_fchk(molecule);
-}
-
-void fcheck_input_method(const char* line) {
-  const char* word = line + std::strspn(line, blanks);
-  word += std::strcspn(word, blanks);
-  word += std::strspn(word, blanks);
-  if (*word == '\0') {
-    msg_fatal("cannot find method which was used to compute MOs");
-  }
-  inp_rest_scf = *word == 'R' ? 1 : 0;
-}
-
-int fcheck_last_int(const char* line) {
-  const char* end = line + std::strlen(line);
-  while (end != line && std::strchr(blanks, end[-1]) != nullptr) {
-    --end;
-  }
-  const char* word = end;
-  while (word != line && std::strchr(blanks, word[-1]) == nullptr) {
-    --word;
-  }
-  char* stop = nullptr;
-  const long value = std::strtol(word, &stop, 10);
-  if (stop == word || value < std::numeric_limits<int>::min() || value > std::numeric_limits<int>::max()) {
-    msg_fatal("cannot convert last word into integer");
-  }
-  return static_cast<int>(value);
 }

@@ -7,7 +7,7 @@
 #include <optional>
 #include <span>
 
-#include "app/input/fcheck.hpp"
+#include "app/input/fcheck_line.hpp"
 #include "app/model/setup.hpp"
 #include "app/model/shell.hpp"
 #include "lib/atom.hpp"
@@ -329,9 +329,9 @@ bool is_needed(Need need, FchkInput& input) {
     case Need::always:
       return true;
     case Need::restricted:
-      return is_by_name && inp_rest_scf != 0;
+      return is_by_name && input.molecule->is_restricted;
     case Need::unrestricted:
-      return !is_by_name || inp_rest_scf == 0;
+      return !is_by_name || !input.molecule->is_restricted;
     case Need::sp_shells:
       return vec_iin(input.shells.types, sp_shell, input.molecule->shell_count) != vec_not_found;
     case Need::beta_orbitals:

@@ -6,8 +6,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "app/input/config_sample.hpp"
 #include "app/input/help.hpp"
-#include "app/input/sample.hpp"
 #include "app/model/setup.hpp"
 #include "lib/arg.hpp"
 #include "lib/file.hpp"

@@ -4,7 +4,7 @@
 #include <span>
 #include <vector>
 
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 
 // Overlap integrals of the basis functions, in closed form.
 

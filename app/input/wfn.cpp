@@ -11,17 +11,16 @@
 #include <vector>
 
 #include "app/input/convention.hpp"
+#include "app/input/wfn_basis.hpp"
 #include "app/input/wfn_dialect.hpp"
 #include "app/model/memory.hpp"
 #include "app/model/setup.hpp"
-#include "app/model/shell.hpp"
 #include "lib/atom.hpp"
 #include "lib/file.hpp"
 #include "lib/message.hpp"
 #include "lib/reader.hpp"
 #include "lib/str_trim.hpp"
 #include "lib/string.hpp"
-#include "lib/vec_base.hpp"
 
 namespace {
 
@@ -92,21 +91,6 @@ void read_block(Number* values, unsigned count, unsigned per_line, unsigned labe
   }
 }
 
-// Type numbers count from 1 through the components of the Cartesian shells. Any other is an s function, as a
-// function is whose type and component are left 0.
-void set_type(BasisFunction& function, unsigned type_number) {
-  unsigned first = 1;
-  for (short type = 0; type <= shell_max; ++type) {
-    const unsigned component = type_number - first;  // huge if the number lies before
-    const unsigned count = shell_function_count(type);
-    if (component < count) {
-      function.type = function.shell_type = type;
-      function.component = static_cast<short>(component);
-    }
-    first += count;
-  }
-}
-
 void read_counts(Molecule* molecule, Reader& reader) {
   const Line line = read_line(reader, "unexpected end of WFN file while reading number of electrons");
   if (!wfn_has_counts(line.data()) && wfn_has_counts(reader.at_hand())) {
@@ -143,6 +127,7 @@ void wfn_read(Molecule* molecule) {
   convention_tell_format(reader.at_hand());
   const Line line = read_line(reader, "unexpected end of WFN file while reading comment line");
   inp_rest_scf = 1;
+  molecule->is_restricted = true;
   if (conf_input_convention != 0) {
     if (!wfn_has_counts(line.data())) {
       str_ctrim(line.data(), molecule->title);
@@ -217,21 +202,6 @@ void wfn_read_udata(unsigned* values, unsigned count, unsigned per_line, unsigne
 void wfn_read_fdata(double* values, unsigned count, unsigned per_line, unsigned label_width, Reader& reader) {
   read_block(values, count, per_line, label_width, reader,
              [](Reader& from) { return read_real(from, no_exponent); });
-}
-
-void wfn_basis_reorder(Molecule* molecule, const unsigned* centres, const unsigned* types,
-                       const double* exponents) {
-  for (unsigned i = 0; i < molecule->basis_count; ++i) {
-    BasisFunction& function = molecule->basis[i];
-    set_type(function, types[i]);
-    function.primitive_count = 1;
-    function.atom = mem_centre(molecule, centres[i]);
-    function.atom_index = centres[i] - 1;
-    function.exponents = vec_falloc(1);
-    function.exponents[0] = exponents[i];
-    function.coefficients = vec_falloc(1);
-    function.coefficients[0] = 1.0;
-  }
 }
 
 void wfn_read_orbitals(Molecule* molecule, Reader& reader) {

@@ -2,8 +2,6 @@
 
 // WFN files: orbitals over single primitives, all doubly occupied unless INPUT_CONVENTION says otherwise.
 
-#include "app/model/shell.hpp"
-
 class Reader;
 struct Molecule;
 
@@ -28,18 +26,3 @@ void wfn_read_orbitals(Molecule* molecule, Reader& reader);
 void wfn_read_udata(unsigned* values, unsigned count, unsigned per_line, unsigned label_width,
                     Reader& reader);
 void wfn_read_fdata(double* values, unsigned count, unsigned per_line, unsigned label_width, Reader& reader);
-
-/// Type numbers count from 1 through the components of the Cartesian shells.
-inline constexpr unsigned wfn_type_count = [] {
-  unsigned count = 0;
-  for (int type = 0; type <= shell_max; ++type) {
-    count += shell_function_count(type);
-  }
-  return count;
-}();
-
-/// Makes the basis functions from the centre (counted from 1), type number and exponent (bohr^-2) of each
-/// primitive. A centre outside 1 to `atom_count` ends the run with "shell atom index exceedes number of
-/// atoms".
-void wfn_basis_reorder(Molecule* molecule, const unsigned* centres, const unsigned* types,
-                       const double* exponents);

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "app/input/wfn.hpp"
+#include "app/input/wfn_basis.hpp"
 #include "app/model/memory.hpp"
 #include "lib/atom.hpp"
 #include "lib/message.hpp"

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 
 /// Writes the symbol of a shell type, such as "SP" or "F10", into `symbol`, 4 bytes; "X" for a type without
 /// one. Returns `symbol`.

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 
 /// Lists the atoms in their order: symbol, x, y, z in ångström.
 void coord_print(const Molecule* molecule, std::FILE* stream);

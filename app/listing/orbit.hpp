@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 
 // Spin codes.
 inline constexpr std::int16_t orbit_alpha = 1;

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "app/listing/graph.hpp"
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 #include "lib/stack.hpp"
 
 // The Z-matrix: every atom by a bond, an angle and a dihedral to atoms of earlier rows, chosen by walking

@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "app/model/setup.hpp"
+#include "app/model/dmat.hpp"
 #include "lib/allocate.hpp"
-#include "lib/mat_base.hpp"
 #include "lib/message.hpp"
 #include "lib/vec_base.hpp"
 
@@ -72,7 +71,7 @@ void mem_alloc_orbitals(Molecule* molecule) { mem_alloc_listed_orbitals(molecule
 
 void mem_alloc_listed_orbitals(Molecule* molecule, unsigned listed) {
   allocate_alpha(molecule, molecule->basis_count, listed);
-  if (inp_rest_scf == 0) {
+  if (!molecule->is_restricted) {
     allocate_beta(molecule, molecule->basis_count, listed);
   }
 }
@@ -98,10 +97,4 @@ void mem_clean(Molecule* molecule, double** distances) {
   free_basis(molecule->basis, molecule->basis_count);
   dmat_free(molecule, distances);
   mem_init_mol(molecule);
-}
-
-void dmat_free(const Molecule* molecule, double** distances) {
-  if (distances != nullptr) {
-    mat_ffree(distances, molecule->atom_count);
-  }
 }

@@ -1,53 +1,10 @@
 #pragma once
 
-// The one record of a run: what was read of the molecule and its wavefunction.
-// Lengths in bohr, exponents in bohr^-2, energies in hartree.
+#include "app/model/molecule.hpp"
 
-struct Atom {
-  unsigned atomic_number;  // 0 where the symbol names no element
-  double coord[3];         // x, y, z, bohr
-  char symbol[8];
-};
+// What the record owns: made and released.
 
-struct Orbital {
-  double energy;         // hartree
-  double* coefficients;  // one per basis function
-  double occupation;     // electrons, if Molecule::has_occupations
-};
-
-/// A function of a shell of a type of shell.hpp.
-struct BasisFunction {
-  short type;        // never -1: the functions of an sp shell are s and p
-  short component;   // position within the shell
-  short shell_type;  // type of the shell that the function came from
-  unsigned primitive_count;
-  unsigned atom_index;   // zero-based centre
-  double* exponents;     // bohr^-2
-  double* coefficients;  // as read; primitives are normalised where they are evaluated
-  const Atom* atom;      // the centre, not owned
-};
-
-struct Molecule {
-  unsigned atom_count;
-  unsigned electron_count;
-  unsigned alpha_electron_count;
-  unsigned beta_electron_count;
-  int charge;
-  unsigned multiplicity;
-  unsigned basis_count;  // basis functions, length of every coefficient vector
-  unsigned primitive_count;
-  unsigned shell_count;
-  char title[1024];
-  Atom* atoms;
-  Orbital* alpha_orbitals;  // or the orbitals of a restricted wavefunction
-  Orbital* beta_orbitals;   // null for a restricted wavefunction
-  BasisFunction* basis;
-  unsigned alpha_orbital_count;
-  unsigned beta_orbital_count;
-  bool has_occupations;  // of each orbital; else the counts of electrons tell which are occupied
-};
-
-/// All counts 0, all pointers null, no title.
+/// All counts 0, all pointers null, no title, restricted.
 void mem_init_mol(Molecule* molecule);
 
 /// `atom_count` zeroed atoms. Without memory the run ends with "cannot allocate memory for atom information".
@@ -57,7 +14,7 @@ void mem_alloc_atoms(Molecule* molecule);
 /// "shell atom index exceedes number of atoms".
 const Atom* mem_centre(const Molecule* molecule, unsigned number);
 
-/// As many orbitals as basis functions, with zero coefficients, for both spins if inp_rest_scf is 0.
+/// As many orbitals as basis functions, with zero coefficients, for both spins unless it is restricted.
 /// The coefficient vectors of a spin lie back to back in one block, released with the first of them.
 /// Without memory the run ends with "cannot allocate memory for alpha molecular orbitals" (or beta).
 void mem_alloc_orbitals(Molecule* molecule);
@@ -81,6 +38,3 @@ void mem_alloc_basis(Molecule* molecule);
 
 /// Releases all that the molecule owns, and the distance matrix (null if none was made).
 void mem_clean(Molecule* molecule, double** distances);
-
-/// Releases a distance matrix of `atom_count` columns; null is allowed.
-void dmat_free(const Molecule* molecule, double** distances);

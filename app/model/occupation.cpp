@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <span>
 
-#include "app/model/setup.hpp"
-
 namespace {
 
 void add_first(const Orbital* orbitals, unsigned count, Occupation* occupation) {
@@ -14,7 +12,7 @@ void add_first(const Orbital* orbitals, unsigned count, Occupation* occupation) 
 }
 
 Occupation from_counts(const Molecule* molecule) {
-  Occupation occupation = {inp_rest_scf != 0, {}};
+  Occupation occupation = {molecule->is_restricted, {}};
   if (occupation.is_restricted) {
     add_first(molecule->alpha_orbitals, molecule->electron_count / 2, &occupation);
   } else {

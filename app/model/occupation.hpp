@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 
 /// An orbital, and how often it counts in sums over orbitals.
 struct WeightedOrbital {

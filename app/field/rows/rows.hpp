@@ -5,7 +5,7 @@
 
 #include "app/field/exact/aligned.hpp"
 #include "app/field/rows/rows_build.hpp"
-#include "app/model/grid.hpp"
+#include "app/model/cube_definition.hpp"
 #include "app/model/memory.hpp"
 #include "app/model/occupation.hpp"
 

@@ -4,7 +4,7 @@
 #include <span>
 
 #include "app/field/rows/rows_tables.hpp"
-#include "app/model/grid.hpp"
+#include "app/model/cube_definition.hpp"
 #include "app/model/memory.hpp"
 #include "app/model/occupation.hpp"
 

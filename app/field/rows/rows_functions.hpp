@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "app/field/rows/rows_tables.hpp"
-#include "app/model/grid.hpp"
+#include "app/model/cube_definition.hpp"
 #include "app/model/memory.hpp"
 
 /// What a basis function has of a monomial.

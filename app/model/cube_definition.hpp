@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 
 // The grid on which fields are sampled: given by the user, or a box around the molecule.
 

@@ -1,5 +1,6 @@
-#include "app/listing/dmat.hpp"
+#include "app/model/dmat.hpp"
 
+#include "app/model/molecule.hpp"
 #include "lib/distance.hpp"
 #include "lib/mat_base.hpp"
 
@@ -13,4 +14,10 @@ double** dmat_alloc(const Molecule* molecule) {
     }
   }
   return distances;
+}
+
+void dmat_free(const Molecule* molecule, double** distances) {
+  if (distances != nullptr) {
+    mat_ffree(distances, molecule->atom_count);
+  }
 }

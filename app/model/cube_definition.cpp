@@ -1,4 +1,4 @@
-#include "app/model/grid.hpp"
+#include "app/model/cube_definition.hpp"
 
 #include <algorithm>
 #include <array>
