@@ -5,8 +5,8 @@
 #include <memory>
 #include <span>
 
+#include "app/model/cube_definition.hpp"
 #include "app/model/field.hpp"
-#include "app/model/grid.hpp"
 #include "app/model/memory.hpp"
 
 // The one door to the values of fields. Behind it they are evaluated in three ways:
