@@ -70,6 +70,26 @@ TEST_F(Config, EveryNumericItemSetsItsOwnSettingAndNoOther) {
   }
 }
 
+TEST_F(Config, WhatIsTakenForAnotherSettingIsTold) {
+  const std::pair<const char*, const char*> lines[] = {
+      {"PRINT_MO yes", "in the config line \"PRINT_MO yes\" the setting is no number: it counts as 0"},
+      {"CUBE_ONE_SPEC 2nd",
+       "in the config line \"CUBE_ONE_SPEC 2nd\" the setting is no number: it counts as 2"},
+      {"DEFINE_CUBE off", "in the config line \"DEFINE_CUBE off\" the setting is no number: it counts as 0"},
+      {"CUBE_FILE_ORVA my file.cube ",
+       "in the config line \"CUBE_FILE_ORVA my\" the name ends at the blank: \"file.cube \" is not read"},
+      {"CUBE_FILE_ORVA my # file", nullptr},
+      {"CUBE_FILE_ORVA my \r", nullptr},
+      {"PRINT_MO 0\r", nullptr},
+      {"PRINT_MO 1 yes", nullptr},
+  };
+  for (const auto& [line, text] : lines) {
+    EXPECT_EQ(told([&] { read_config(std::string(line) + "\n"); }),
+              text != nullptr ? formatted("warning: %s\n", text) : "")
+        << line;
+  }
+}
+
 TEST_F(Config, TheManPageTellsEveryItemAndItsDefault) {
   const std::string page = read_file(ORVA_TEST_DATA "/../../doc/orva.conf.5");
   const auto tells = [&](const ConfigItem& item) {
@@ -138,34 +158,36 @@ TEST_F(Config, WhatIsWrongIsSaidAndEndsTheRun) {
   const std::string points = "DEFINE_CUBE 2\n0 0 0 1 0 0 1 1 0 ";
   const auto blanks = [](std::size_t count) { return std::string(count, ' '); };
   const std::string n31(31, 'N');
-  const std::pair<std::string, std::string> rows[] = {
-      {"PRINT_COORD -1", value + "0 or 1 expected"},
-      {"PRINTED_WIDTH 0", value + "integer greater than 0 expected"},
-      {"PRINTED_WIDTH 32768", value + "integer greater than 0 expected"},
-      {"CUBE_ONE_SPEC -1", value + "integer greater than -1 expected"},
-      {"CUBE_ONE_MODEN 99999999999999999999", value + "integer greater than -1 expected"},
-      {"print_coord 1", option + "'print_coord'"},
-      {"PRINT_COORD=1 x", option + "'PRINT_COORD=1'"},
-      {n31 + " 1", option + "'" + n31 + "'"},
-      {"N" + n31 + " 1", format + "item name"},
-      {blanks(1023) + "\n", format + "item name"},
-      {blanks(1020) + "ABC 1\n", format + "item name"},
-      {"PRINT_COORD \t\n", format + "setting"},
-      {"CUBE_FILE_ORVA N" + n31, format + "setting"},
-      {"CUBE_FILE_ORVA " + blanks(1007) + "s\n", format + "setting"},
-      {"DEFINE_CUBE 3", "invalid type of cube definition"},
-      {"DEFINE_CUBE 1\n0 0 # 0", "cannot read point" + grid},
-      {"DEFINE_CUBE 1\n0 0 0", "unexpected end of config file while reading cube definition"},
-      {vectors, "unexpected end of file while reading cube definition"},
-      {vectors + "# " + blanks(3000), "cannot read vectors" + grid},
-      {vectors + "0 0 # 1\n", "cannot read vectors" + grid},
-      {points + "# D\n1 1 1\n8 8 8\n", "cannot read points" + grid},
-      {points + "1 1 1\n8 x\n", "cannot read ranges" + grid},
-      {points + "1 1 1\n8 8 8.5\n", format + "setting"},
+  const std::tuple<std::string, std::string, std::string> rows[] = {
+      {"PRINT_COORD -1", value + "0 or 1 expected", "0 to 1"},
+      {"PRINTED_WIDTH 0", value + "integer greater than 0 expected", "1 to 32767"},
+      {"PRINTED_WIDTH 32768", value + "integer greater than 0 expected", "1 to 32767"},
+      {"CUBE_ONE_SPEC -1", value + "integer greater than -1 expected", "0 to 32767"},
+      {"CUBE_ONE_MODEN 99999999999999999999", value + "integer greater than -1 expected", "0 to 32767"},
+      {"print_coord 1", option + "'print_coord'", ""},
+      {"PRINT_COORD=1 x", option + "'PRINT_COORD=1'", ""},
+      {n31 + " 1", option + "'" + n31 + "'", ""},
+      {"N" + n31 + " 1", format + "item name", ""},
+      {blanks(1023) + "\n", format + "item name", ""},
+      {blanks(1020) + "ABC 1\n", format + "item name", ""},
+      {"PRINT_COORD \t\n", format + "setting", ""},
+      {"CUBE_FILE_ORVA N" + n31, format + "setting", ""},
+      {"CUBE_FILE_ORVA " + blanks(1007) + "s\n", format + "setting", ""},
+      {"DEFINE_CUBE 3", "invalid type of cube definition", "0 to 2"},
+      {"DEFINE_CUBE 1\n0 0 # 0", "cannot read point" + grid, ""},
+      {"DEFINE_CUBE 1\n0 0 0", "unexpected end of config file while reading cube definition", ""},
+      {vectors, "unexpected end of file while reading cube definition", ""},
+      {vectors + "# " + blanks(3000), "cannot read vectors" + grid, ""},
+      {vectors + "0 0 # 1\n", "cannot read vectors" + grid, ""},
+      {points + "# D\n1 1 1\n8 8 8\n", "cannot read points" + grid, ""},
+      {points + "1 1 1\n8 x\n", "cannot read ranges" + grid, ""},
+      {points + "1 1 1\n8 8 8.5\n", format + "setting", ""},
   };
-  for (const auto& [text, message] : rows) {
+  for (const auto& [text, message, range] : rows) {
     SCOPED_TRACE(text);
-    expect_error([&, &given = text] { read_config(given); }, message);
+    const std::string told =
+        range.empty() ? "" : "warning: the config line \"" + text + "\" needs a number from " + range + "\n";
+    expect_exit([&, &given = text] { read_config(given); }, 1, told + "error: " + message + "\n");
   }
 }
 

@@ -202,14 +202,6 @@ class Convention {
   Convention(const Convention&) = delete;
 };
 
-/// What `call` tells on standard error.
-template <class Call>
-std::string told(Call call) {
-  testing::internal::CaptureStderr();
-  call();
-  return testing::internal::GetCapturedStderr();
-}
-
 /// A way to break a file: `from`, which must occur in it, becomes `to`, or the file ends there without one.
 struct Breakage {
   std::string from;

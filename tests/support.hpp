@@ -85,6 +85,14 @@ inline int next_descriptor() {
   return descriptor;
 }
 
+/// What `call` tells on standard error.
+template <class Call>
+std::string told(Call call) {
+  testing::internal::CaptureStderr();
+  call();
+  return testing::internal::GetCapturedStderr();
+}
+
 /// Calls `use` once for every kernel that this processor has, which is then the one of the program.
 template <class Use>
 void with_every_kernel(Use use) {

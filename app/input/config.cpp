@@ -32,6 +32,35 @@ int integer(const char* setting) {
                                            std::numeric_limits<int>::max()));
 }
 
+// Null if there is none of that name.
+const ConfigItem* find_item(std::string_view name) {
+  const std::span items = conf_items();
+  const auto item = std::ranges::find(items, name, &ConfigItem::name);
+  return item != items.end() ? &*item : nullptr;
+}
+
+// What a setting that is a number comes to, if it is not what was meant; which line ends the run, if one
+// does.
+void tell_of_number(const ConfigItem& item, const char* setting) {
+  if (item.kind == ConfigKind::file_name) {
+    return;
+  }
+  const int value = integer(setting);
+  char* end;
+  std::strtol(setting, &end, 10);
+  if (end == setting || end[std::strspn(end, "\r")] != '\0') {
+    msg_tell("in the config line \"%s %s\" the setting is no number: it counts as %d", item.name, setting,
+             value);
+  }
+  const int lowest = item.kind == ConfigKind::positive ? 1 : 0;
+  const int highest = item.kind == ConfigKind::zero_or_one ? 1
+                      : item.kind == ConfigKind::grid      ? 2
+                                                           : std::numeric_limits<std::int16_t>::max();
+  if (value < lowest || value > highest) {
+    msg_tell("the config line \"%s %s\" needs a number from %d to %d", item.name, setting, lowest, highest);
+  }
+}
+
 // Null if there is no such file. A directory could be opened, but not read.
 std::FILE* open_if_file(const char* path) {
   std::error_code ignored;
@@ -144,14 +173,21 @@ void conf_analyze_line(Reader* stream, CubeDefinition* cube, const char* line) {
   str_sub_copy(line, name_text, name.begin, name.end);
   str_sub_copy(line, setting_text, setting.begin, setting.end);
   conf_assign(stream, cube, name_text, setting_text);
+
+  const Word rest = next_word(line, setting.end);
+  if (!rest.is_empty() && line[rest.begin] != '#' && line[rest.begin] != '\r' &&
+      find_item(name_text)->kind == ConfigKind::file_name) {
+    msg_tell("in the config line \"%s %s\" the name ends at the blank: \"%.*s\" is not read", name_text,
+             setting_text, static_cast<int>(std::strcspn(line + rest.begin, "\n")), line + rest.begin);
+  }
 }
 
 void conf_assign(Reader* stream, CubeDefinition* cube, const char* name, const char* setting) {
-  const std::span items = conf_items();
-  const auto item = std::ranges::find(items, std::string_view(name), &ConfigItem::name);
-  if (item == items.end()) {
+  const ConfigItem* const item = find_item(name);
+  if (item == nullptr) {
     msg_fatal_format("invalid option in config file '%s'", name);
   }
+  tell_of_number(*item, setting);
   const auto set_number = [&](std::int16_t value) { *std::get<std::int16_t*>(item->target) = value; };
   switch (item->kind) {
     case ConfigKind::zero_or_one:
