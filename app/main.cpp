@@ -1,12 +1,10 @@
 #include <new>
 
 #include "app/input/config.hpp"
-#include "app/input/fcheck.hpp"
+#include "app/input/input.hpp"
 #include "app/input/options.hpp"
-#include "app/input/wfn.hpp"
 #include "app/model/cube_definition.hpp"
 #include "app/model/memory.hpp"
-#include "app/model/setup.hpp"
 #include "app/report.hpp"
 #include "lib/file.hpp"
 #include "lib/message.hpp"
@@ -20,11 +18,7 @@ int main(int argc, char** argv) try {
 
   Molecule molecule;
   mem_init_mol(&molecule);
-  if (inp_format == input_fchk) {
-    fcheck_read(&molecule);
-  } else {
-    wfn_read(&molecule);
-  }
+  input_read(&molecule);
   cube_define(&molecule, &cube);
 
   // Only now: an input that cannot be read leaves an earlier report as it was.

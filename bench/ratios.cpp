@@ -26,6 +26,7 @@
 #include "app/field/point/eval.hpp"
 #include "app/field/rows/rows.hpp"
 #include "app/input/fcheck.hpp"
+#include "app/model/memory.hpp"
 #include "app/model/occupation.hpp"
 #include "app/model/setup.hpp"
 #include "lib/vec_base.hpp"

@@ -6,8 +6,8 @@
 
 #include "app/field/instruction_sets.hpp"
 #include "app/field/rows/rows.hpp"
-#include "app/input/fcheck.hpp"
-#include "app/input/wfn.hpp"
+#include "app/input/input.hpp"
+#include "app/input/options.hpp"
 #include "app/model/occupation.hpp"
 #include "app/model/setup.hpp"
 #include "app/report.hpp"
@@ -105,7 +105,8 @@ void compare_data(const Molecule& molecule, const CubeDefinition& cube, unsigned
 void fuzz_pass(std::string_view input) {
   conf_input_convention = input.size() / 8 % 2;
   Molecule molecule = {};
-  input.find("GAUSSIAN") != input.npos ? wfn_read(&molecule) : fcheck_read(&molecule);
+  inp_format = input.find("GAUSSIAN") != input.npos ? input_wfn : input_fchk;
+  input_read(&molecule);
   double** distances = nullptr;
   if (molecule.atom_count <= 20 && molecule.basis_count <= 50 && molecule.primitive_count <= 100) {
     const auto number = static_cast<unsigned>(input.size());

@@ -77,7 +77,7 @@ TEST_F(Config, WhatIsTakenForAnotherSettingIsTold) {
        "in the config line \"CUBE_ONE_SPEC 2nd\" the setting is no number: it counts as 2"},
       {"DEFINE_CUBE off", "in the config line \"DEFINE_CUBE off\" the setting is no number: it counts as 0"},
       {"CUBE_FILE_ORVA my file.cube ",
-       "in the config line \"CUBE_FILE_ORVA my\" the name ends at the blank: \"file.cube \" is not read"},
+       "in the config line \"CUBE_FILE_ORVA my\" the name ends at the blank; not read: \"file.cube \""},
       {"CUBE_FILE_ORVA my # file", nullptr},
       {"CUBE_FILE_ORVA my \r", nullptr},
       {"PRINT_MO 0\r", nullptr},

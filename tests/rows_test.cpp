@@ -1,4 +1,5 @@
 #include "app/field/rows/rows.hpp"
+#include "app/field/fields.hpp"
 
 #include "app/cube/comp.hpp"
 #include "app/field/point/eval.hpp"
@@ -338,4 +339,30 @@ TEST(Rows, LeaveWhatIsOutOfTheOrdinaryToTheExactSweep) {
   for (const auto& [name, cube] : grids) {
     EXPECT_FALSE(is_taken({}, cube)) << name;
   }
+}
+
+TEST(Fields, AreExactInARowWhereTheyAreSettledAndInAnyList) {
+  const auto molecule = read_text(fcheck_read, fchk_text(every_shell("UHF")));
+  const CubeDefinition cube = {{2, 3, 20}, {{-1, -1, -3}}, {{0.5, 0, 0}, {0, 0.4, 0}, {0, 0, 0.3}}};
+  constexpr std::size_t count = 20;
+  std::vector<Point> points;
+  Numbers expected(2 * count), functions(molecule->basis_count);
+  for (unsigned k = 0; k < count; ++k) {
+    const auto at = [&](unsigned c) { return cube_coordinate(&cube, 1, 2, k, c); };
+    points.push_back({at(0), at(1), at(2)});
+    fields_at_point(molecule.get(), points[k].data(), FieldKind::density_and_potential, nullptr,
+                    functions.data(), &expected[k], &expected[count + k]);
+  }
+  with_every_kernel([&](const char*) {
+    Fields fields(molecule.get(), &cube, FieldKind::density_and_potential);
+    fields.row(1, 2);
+    ASSERT_FALSE(fields.is_exact());
+    fields.settle(std::vector<unsigned char>(count, 1));
+    Numbers row(fields.values(0).begin(), fields.values(0).end());
+    append(row, {fields.values(1).begin(), fields.values(1).end()});
+    EXPECT_EQ(row, expected);
+    Numbers list(2 * count);
+    fields.at(points, list);
+    EXPECT_EQ(list, expected);
+  });
 }

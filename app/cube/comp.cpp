@@ -8,7 +8,6 @@
 
 #include "app/cube/cube_text.hpp"
 #include "app/field/fields.hpp"
-#include "app/field/point/eval.hpp"
 #include "app/model/progress.hpp"
 
 double* comp_bfce_vec = nullptr;
@@ -22,6 +21,12 @@ const Orbital* orbital_of(const Molecule* molecule, std::int16_t code, std::int1
   return (code == field_beta_orbital ? molecule->beta_orbitals : molecule->alpha_orbitals) + (orbital - 1);
 }
 
+FieldKind kind_of(std::int16_t code) {
+  return code == field_orbital_density ? FieldKind::orbital_density
+         : field_is_orbital(code)      ? FieldKind::orbital
+                                       : FieldKind::density_and_potential;
+}
+
 // A text, and the number of the field whose values it gets.
 struct FieldText {
   CubeText* text;
@@ -33,6 +38,8 @@ void write_texts(const Molecule* molecule, const CubeDefinition* cube, FieldKind
                  std::span<const Orbital> orbitals, std::span<const FieldText> texts) {
   Fields fields(molecule, cube, kind, orbitals);
   comp_bfce_vec = fields.basis_values();
+  const std::unique_ptr<double*, void (*)(double**)> until_the_end(
+      &comp_bfce_vec, [](double** vector) { *vector = nullptr; });
   Progress progress;
   std::vector<unsigned char> in_doubt;
   while (fields.next()) {
@@ -52,16 +59,13 @@ void write_texts(const Molecule* molecule, const CubeDefinition* cube, FieldKind
     }
     progress.show(fields.part_done());
   }
-  comp_bfce_vec = nullptr;
 }
 
 }  // namespace
 
 void comp_data(const Molecule* molecule, const CubeDefinition* cube, std::int16_t code, std::int16_t orbital,
                std::FILE* first, std::FILE* second) {
-  const FieldKind kind = code == field_orbital_density ? FieldKind::orbital_density
-                         : field_is_orbital(code)      ? FieldKind::orbital
-                                                       : FieldKind::density_and_potential;
+  const FieldKind kind = kind_of(code);
   std::span<const Orbital> orbitals;
   if (kind != FieldKind::density_and_potential) {
     orbitals = {orbital_of(molecule, code, orbital), 1};
@@ -75,8 +79,7 @@ void comp_data(const Molecule* molecule, const CubeDefinition* cube, std::int16_
 OrbitalTexts comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_count, unsigned basis_count) {
   const double row_count = 1.0 * cube->npoints[0] * cube->npoints[1];
   const double text_size = row_count * static_cast<double>(CubeText::size_of(1, cube->npoints[2]));
-  // The exact sweep keeps a number for each function; rows keep about four, and two for each point of a row.
-  const double numbers = 5.0 * basis_count + 2.0 * cube->npoints[2];
+  const double numbers = fields_numbers_kept(basis_count, cube->npoints[2]);
   const double fitting = orbital_memory / std::max(text_size + numbers * sizeof(double), 1.0);
   OrbitalTexts result = {nullptr, 0, 0};
   if (fitting >= 2.0) {
@@ -103,22 +106,22 @@ void comp_orbital_texts(const Molecule* molecule, const CubeDefinition* cube, co
 
 void comp_point_value(const Molecule* molecule, const double* point, std::int16_t code, std::int16_t orbital,
                       double* first, double* second) {
-  eval_bfce_vec(molecule, point, comp_bfce_vec);
-  const unsigned n = molecule->basis_count;
+  const FieldKind kind = kind_of(code);
+  if (kind != FieldKind::density_and_potential) {
+    fields_at_point(molecule, point, kind, orbital_of(molecule, code, orbital), comp_bfce_vec, first,
+                    nullptr);
+    return;
+  }
+  double density = 0.0, potential = 0.0;
+  fields_at_point(molecule, point, kind, nullptr, comp_bfce_vec, &density, &potential);
   switch (code) {
     case field_density:
-      *first = eval_den(molecule, comp_bfce_vec);
-      break;
-    case field_orbital_density:
-      *first = eval_mo_den(orbital_of(molecule, code, orbital), comp_bfce_vec, n);
-      break;
-    case field_alpha_orbital:
-    case field_beta_orbital:
-      *first = eval_mo(orbital_of(molecule, code, orbital), comp_bfce_vec, n);
+      *first = density;
       break;
     case field_density_and_potential:
     case field_potential:
-      eval_orva(molecule, comp_bfce_vec, first, second);
+      *first = density;
+      *second = potential;
       break;
     default:
       break;

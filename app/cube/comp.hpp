@@ -8,7 +8,7 @@
 
 #include "app/model/cube_definition.hpp"
 #include "app/model/field.hpp"
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 
 // The sweep over the grid: the data of the cube files.
 
@@ -39,7 +39,8 @@ OrbitalTexts comp_orbital_alloc(const CubeDefinition* cube, unsigned orbital_cou
 void comp_orbital_texts(const Molecule* molecule, const CubeDefinition* cube, const Orbital* orbitals,
                         unsigned count, OrbitalTexts* result);
 
-/// What the sweeps must agree with, and tests compare them with; the program itself does not call it.
+/// What all data of cube files must agree with, and tests compare them with; the program itself does not call
+/// it.
 /// The field of the code at one point (x, y, z in bohr) in `first`; for those of the potential `first` is the
 /// total density (bohr^-3) and `second` the average local ionization potential (hartree). Other codes leave
 /// `second` as it is. comp_bfce_vec must have room for all basis functions.

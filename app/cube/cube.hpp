@@ -7,7 +7,7 @@
 
 #include "app/model/cube_definition.hpp"
 #include "app/model/field.hpp"
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 
 // The cube files.
 

@@ -5,13 +5,15 @@
 
 #include "app/field/exact/sweep.hpp"
 #include "app/field/instruction_sets.hpp"
+#include "app/field/point/eval.hpp"
 #include "app/field/rows/rows.hpp"
 #include "app/model/occupation.hpp"
 
 namespace {
 
-// Rows take an eighth to a half of the exact sweep's time. With so much left in doubt they still save some of
-// it for certain, though the exact sweep takes somewhat longer for scattered points than for neighbours.
+// Rows take an eighteenth to a half of the exact sweep's time. With so much left in doubt they still save
+// some of it for certain, though the exact sweep takes somewhat longer for scattered points than for
+// neighbours.
 constexpr double doubt_max = 0.25;
 
 constexpr unsigned pause_max = 63;  // rows
@@ -202,5 +204,27 @@ void Fields::at(std::span<const Point> points, std::span<double> values) {
 }
 
 double* Fields::basis_values() { return state_->exact.values(); }
+
+void fields_at_point(const Molecule* molecule, const double* point, FieldKind kind, const Orbital* orbital,
+                     double* basis_values, double* first, double* second) {
+  eval_bfce_vec(molecule, point, basis_values);
+  switch (kind) {
+    case FieldKind::density_and_potential:
+      eval_orva(molecule, basis_values, first, second);
+      break;
+    case FieldKind::orbital:
+      *first = eval_mo(orbital, basis_values, molecule->basis_count);
+      break;
+    case FieldKind::orbital_density:
+      *first = eval_mo_den(orbital, basis_values, molecule->basis_count);
+      break;
+  }
+}
+
+double fields_numbers_kept(unsigned basis_count, unsigned row_length) {
+  // The exact sweep keeps a coefficient for each function, rows about four. Rows keep a value and a tolerance
+  // for each point of a row, and for a row of exact values one more.
+  return 5.0 * basis_count + 3.0 * row_length;
+}
 
 void fields_check() { choose_instruction_set(); }

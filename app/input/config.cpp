@@ -52,10 +52,7 @@ void tell_of_number(const ConfigItem& item, const char* setting) {
     msg_tell("in the config line \"%s %s\" the setting is no number: it counts as %d", item.name, setting,
              value);
   }
-  const int lowest = item.kind == ConfigKind::positive ? 1 : 0;
-  const int highest = item.kind == ConfigKind::zero_or_one ? 1
-                      : item.kind == ConfigKind::grid      ? 2
-                                                           : std::numeric_limits<std::int16_t>::max();
+  const auto [lowest, highest] = conf_range(item.kind);
   if (value < lowest || value > highest) {
     msg_tell("the config line \"%s %s\" needs a number from %d to %d", item.name, setting, lowest, highest);
   }
@@ -177,7 +174,7 @@ void conf_analyze_line(Reader* stream, CubeDefinition* cube, const char* line) {
   const Word rest = next_word(line, setting.end);
   if (!rest.is_empty() && line[rest.begin] != '#' && line[rest.begin] != '\r' &&
       find_item(name_text)->kind == ConfigKind::file_name) {
-    msg_tell("in the config line \"%s %s\" the name ends at the blank: \"%.*s\" is not read", name_text,
+    msg_tell("in the config line \"%s %s\" the name ends at the blank; not read: \"%.*s\"", name_text,
              setting_text, static_cast<int>(std::strcspn(line + rest.begin, "\n")), line + rest.begin);
   }
 }
@@ -193,9 +190,8 @@ void conf_assign(Reader* stream, CubeDefinition* cube, const char* name, const c
     case ConfigKind::zero_or_one:
       return set_number(check_bool(setting));
     case ConfigKind::positive:
-      return set_number(conf_check_intgt(setting, 0));
     case ConfigKind::natural:
-      return set_number(conf_check_intgt(setting, -1));
+      return set_number(conf_check_intgt(setting, conf_range(item->kind).lowest - 1));
     case ConfigKind::file_name:
       if (std::snprintf(std::get<char*>(item->target), file_name_size, "%s", setting) >=
           static_cast<int>(file_name_size)) {

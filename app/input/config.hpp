@@ -16,10 +16,12 @@ void conf_read(CubeDefinition* cube);
 /// Takes one line: skips a blank line and a comment ("#"), and hands item name and setting to conf_assign.
 /// The grid block of DEFINE_CUBE is read on from `stream`. A name or setting that is absent, longer than 31
 /// characters or not ended within the 1023 characters of a line ends the run with
-/// "wrong format of config file - item name" or "- setting".
+/// "wrong format of config file - item name" or "- setting". Text behind a file name that no "#" announces is
+/// told.
 void conf_analyze_line(Reader* stream, CubeDefinition* cube, const char* line);
 
-/// Sets the item of that name. An unknown name ends the run with "invalid option in config file 'NAME'".
+/// Sets the item of that name. A setting that is no number where one is needed, or out of its range, is told.
+/// An unknown name ends the run with "invalid option in config file 'NAME'".
 void conf_assign(Reader* stream, CubeDefinition* cube, const char* name, const char* setting);
 
 /// The setting as 0 or 1. Any other number ends the run with

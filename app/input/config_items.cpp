@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <tuple>
 #include <type_traits>
 
@@ -77,6 +78,21 @@ const std::array items = {
 static_assert(std::tuple_size_v<decltype(items)> == 22, "the items of a configuration");
 
 }  // namespace
+
+ConfigRange conf_range(ConfigKind kind) {
+  switch (kind) {
+    case ConfigKind::zero_or_one:
+      return {0, 1};
+    case ConfigKind::positive:
+      return {1, std::numeric_limits<std::int16_t>::max()};
+    case ConfigKind::natural:
+      return {0, std::numeric_limits<std::int16_t>::max()};
+    case ConfigKind::grid:
+      return {0, 2};
+    default:
+      return {};
+  }
+}
 
 std::span<const ConfigItem> conf_items() { return items; }
 

@@ -32,8 +32,11 @@ void print_values(std::FILE* stream, const ConfigItem& item) {
     std::fprintf(stream, "# %s default %s\n", item.sample.values, item.setting());
   } else if (item.kind == ConfigKind::file_name) {
     default_str(stream, item.setting());
-  } else {
+  } else if (item.kind == ConfigKind::zero_or_one) {
     default_bool(stream, std::atoi(item.setting()));
+  } else {
+    const auto [lowest, highest] = conf_range(item.kind);
+    std::fprintf(stream, "# [integer from %d to %d] default %s\n", lowest, highest, item.setting());
   }
 }
 

@@ -7,7 +7,7 @@
 #include "app/input/fcheck_line.hpp"
 #include "app/input/fcheck_sections.hpp"
 #include "app/input/reorder.hpp"
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 #include "app/model/setup.hpp"
 #include "lib/file.hpp"
 #include "lib/message.hpp"

@@ -8,6 +8,7 @@
 #include <span>
 
 #include "app/input/fcheck_line.hpp"
+#include "app/model/memory.hpp"
 #include "app/model/setup.hpp"
 #include "app/model/shell.hpp"
 #include "lib/atom.hpp"

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "app/input/reorder.hpp"
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 #include "lib/reader.hpp"
 
 // The labelled sections of formatted checkpoint files.

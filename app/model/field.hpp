@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdint>
 
-// The fields that cube files hold, by the codes that the driver, the cube writer and the sweep hand on.
+// The fields that cube files hold, by the codes that the driver and the cube writer hand on.
 
 enum FieldCode : std::int16_t {
   field_density = 10,

@@ -8,7 +8,7 @@
 
 #include "app/field/exact/aligned.hpp"
 #include "app/field/exact/sweep_plan.hpp"
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 #include "app/model/occupation.hpp"
 
 // Fields at many points at once: packs of points through the formulas of the point-by-point functions, in

@@ -2,7 +2,7 @@
 
 #include "app/field/point/angular.hpp"
 #include "app/field/point/norm.hpp"
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 
 // One component of a shell at one point: a normalised Gaussian primitive is normalization × exp(-α r²) ×
 // angular factor, r relative to the centre. Which factors a shell has is the business of the modules above.

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <limits>
 
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 #include "app/model/occupation.hpp"
 
 // Fields from the wavefunction at a point. The formulas are templates over the number type: one double here,

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/field/point/angular.hpp"
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 
 // f shells: ten Cartesian or seven pure functions.
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 
 // Normalization constants of Gaussian primitives, bohr^(-3/2 - l) for angular momentum l.
 // N = (M·α^(2l+3) / (D·π³))^(1/4), for s N = (2α/π)^(3/4).

@@ -4,7 +4,7 @@
 #include "app/field/point/dfce.hpp"
 #include "app/field/point/ffce.hpp"
 #include "app/field/point/gfce.hpp"
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 
 // Primitives of any shell: which angular factors a shell type has, for both sweeps. The functions for one
 // point are part of the definition of the fields, as those of eval.hpp.

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 
 /// The number of the radial of each basis function, counted from 0 in the order in which they come up.
 /// Functions have the same radial if they are of one centre and of the same primitives, to the bit, and if

@@ -6,7 +6,7 @@
 #include "app/field/exact/aligned.hpp"
 #include "app/field/rows/rows_build.hpp"
 #include "app/model/cube_definition.hpp"
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 #include "app/model/occupation.hpp"
 
 // Fields at the points of whole rows, cheaper than the exact sweep gives them and with a bound of how far

@@ -58,7 +58,10 @@ class OrbitalBuilder {
     plan.has_energies =
         std::ranges::any_of(tables_.energy_weights, [](double weight) { return weight != 0.0; });
     for (unsigned c = 0; c < plan.chunk_count; ++c) {
-      const unsigned first = c * count / plan.chunk_count, end = (c + 1) * count / plan.chunk_count;
+      const auto start_of = [&](std::size_t chunk) {
+        return static_cast<unsigned>(chunk * count / plan.chunk_count);
+      };
+      const unsigned first = start_of(c), end = start_of(c + 1);
       tables_.chunks.push_back({end - first,
                                 (end - first + kernel_.tile_orbitals - 1) / kernel_.tile_orbitals,
                                 tables_.coefficients.data() + c * size,

@@ -5,7 +5,7 @@
 
 #include "app/field/rows/rows_tables.hpp"
 #include "app/model/cube_definition.hpp"
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 #include "app/model/occupation.hpp"
 
 /// Makes the plan. Null if the exact sweep must do it all: the steps of the grid do not lie along the axes,

@@ -164,15 +164,7 @@ class FunctionBuilder {
     if (count == 0 || weights[largest] == 0.0) {
       return true;  // next to nothing everywhere
     }
-    const auto same = std::ranges::find_if(*radials, [&](const Radial& radial) {
-      if (radial.number != radial_numbers_[number]) {
-        return false;
-      }
-      const double ratio = weights[largest] / radial.weights[largest];
-      return rows_is_ordinary(ratio) && std::ranges::equal(weights, radial.weights, [&](double a, double b) {
-               return std::fabs(a - ratio * b) <= rows_multiple * std::fabs(a);
-             });
-    });
+    const auto same = std::ranges::find(*radials, radial_numbers_[number], &Radial::number);
     const auto place = static_cast<std::size_t>(same - radials->begin());
     if (same == radials->end()) {
       radials->push_back({radial_numbers_[number], function->exponents, weights, 0, {}});
@@ -180,6 +172,12 @@ class FunctionBuilder {
     Radial& radial = (*radials)[place];
     ++radial.function_count;
     const double ratio = weights[largest] / radial.weights[largest];
+    // But for the roundings of norms it is a multiple.
+    if (!rows_is_ordinary(ratio) || !std::ranges::equal(weights, radial.weights, [&](double a, double b) {
+          return std::fabs(a - ratio * b) <= rows_multiple * std::fabs(a);
+        })) {
+      return false;
+    }
     prim_shell(function->type, [&](const auto& factors) {
       angular_select(factors, function->component, [&](const auto& factor) {
         const AngularPolynomial polynomial = factor(AngularPolynomial::coordinates());

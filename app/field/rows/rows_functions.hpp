@@ -5,7 +5,7 @@
 
 #include "app/field/rows/rows_tables.hpp"
 #include "app/model/cube_definition.hpp"
-#include "app/model/memory.hpp"
+#include "app/model/molecule.hpp"
 
 /// What a basis function has of a monomial.
 struct RowPart {

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "app/field/exact/sweep_plan.hpp"
+#include "app/model/field.hpp"
 #include "app/model/shell.hpp"
 
 // What the sweep by rows hands to its kernels; as for the exact sweep, plain memory. Further words:
