@@ -1,7 +1,7 @@
 #include "app/field/rows/rows.hpp"
-#include "app/field/fields.hpp"
 
 #include "app/cube/comp.hpp"
+#include "app/field/fields.hpp"
 #include "app/field/point/eval.hpp"
 #include "app/field/rows/rows_bound.hpp"
 #include "app/input/fcheck.hpp"
