@@ -219,7 +219,7 @@ class View(Companion):
     def test_a_wavefunction_is_shown_as_orva_surface_finds_it(self):
         Path("tools").mkdir()
         shutil.copy(TOP / "tools/orva-view", "tools")
-        self.assertIn("needs orva-surface", run("tools/orva-view", WATER, status=1))
+        self.assertIn("needs orva-surface", run("env", "PATH=", sys.executable, "tools/orva-view", WATER, status=1))
         Path("tools/orva-surface").write_text(SURFACE)
         Path("tools/orva-surface").chmod(0o755)
         lines = run("tools/orva-view", "--sites", WATER, "-i", 0.002).split("\n")
