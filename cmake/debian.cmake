@@ -24,7 +24,11 @@ foreach(component PROGRAM LIBRARY)
 endforeach()
 
 set(share ${CPACK_TEMPORARY_DIRECTORY}/program/usr/share)
+# Debian has the licence under a name of its own, and the links to it follow.
 file(REMOVE ${share}/doc/orva/LICENSE)
+file(READ ${share}/doc/orva/README.md readme)
+string(REPLACE "[LICENSE](LICENSE)" "[copyright](copyright)" readme "${readme}")
+file(WRITE ${share}/doc/orva/README.md "${readme}")
 file(RENAME ${share}/zsh/site-functions ${share}/zsh/vendor-completions)
 # Whatever the umask of who builds it.
 run(chmod -R u=rwX,go=rX ${CPACK_TEMPORARY_DIRECTORY})

@@ -44,6 +44,7 @@ has_package() {
   case $1 in
     python3-*) /usr/bin/python3 -c "import ${1#python3-}" ;;
     slurm-wlm) PATH=$PATH:/usr/sbin command -v slurmctld && command -v sbatch ;;
+    imagemagick) command -v convert ;;
     munge) PATH=$PATH:/usr/sbin command -v munged ;;
     *) command -v "$1" ;;
   esac >/dev/null 2>&1

@@ -1,11 +1,13 @@
 """Runs orva-grid and orva-view. Environment: ORVA_PROGRAM, words of the shell."""
 
 import itertools
+import json
 import math
 import os
 import re
 import runpy
 import shlex
+import shutil
 import struct
 import subprocess
 import sys
@@ -122,21 +124,55 @@ def gaussian(x, y, z):
     return math.exp(-x * x - y * y - z * z)
 
 
+# In place of the program: an octahedron, its lowest value at x = -1. Broken is what is empty.
+SURFACE = f"""#!{sys.executable}
+import json, pathlib, sys
+options = dict(zip(sys.argv[2:-1:2], sys.argv[3:-1:2]))
+assert sys.argv[1] == "--json" and (options["--unit"], options["--length"]) == ("hartree", "bohr")
+print("a warning", file=sys.stderr)
+if not pathlib.Path(sys.argv[-1]).read_text():
+    print(json.dumps({{"input": sys.argv[-1], "error": "empty", "warnings": []}}))
+    sys.exit(1)
+corners = [[sign * (i == k) for k in range(3)] for i in range(3) for sign in (-1, 1)]
+faces = [(x, y, z)[::1 if (x + y + z) % 2 else -1] for x in (0, 1) for y in (2, 3) for z in (4, 5)]
+with open(options["--mesh"], "w") as mesh:
+    print("ply\\nformat ascii 1.0\\nelement vertex 6\\nproperty double x\\nelement face 8\\nend_header", file=mesh)
+    for corner in corners:
+        print(*corner, 0.45 + 0.05 * corner[0], file=mesh)
+    for face in faces:
+        print(3, *face, file=mesh)
+print(json.dumps({{
+    "level": float(options.get("--level", 0.001)),
+    "atoms": [{{"number": i + 1, "symbol": "OH"[i], "position": [i, 0, 0]}} for i in (0, 1)],
+    "extrema": [{{"kind": kind, "value": 0.45 + 0.05 * x, "position": [x, 0, 0], "atom": atom}}
+                for kind, x, atom in (("maximum", 1, 2), ("minimum", -1, 1))]}}))
+"""
+
+
 class View(Companion):
     def test_sites_of_a_sphere_have_their_closed_form(self):
         write_cube("density", gaussian)
         write_cube("field", lambda x, y, z: 0.3 + 0.02 * x)
-        rows = [line.split() for line in view("--sites", "density", "field").split("\n")[2:4]]
-        self.assertEqual([row[0] for row in rows], ["N1", "H2"])
-        for row, x in zip(rows, (-RADIUS, 0.0)):  # the second atom's part begins at x = 0
-            value, energy, *position = map(float, row[1:])
-            self.assertAlmostEqual(value, 0.3 + 0.02 * x, delta=0.002)
-            self.assertAlmostEqual(energy, value * 27.2114, delta=0.006)
-            self.assertAlmostEqual(math.hypot(*position), RADIUS, delta=0.01)
-            self.assertAlmostEqual(position[0], x, delta=0.1)
+        for unit, hartree, delta in (("hartree", 1.0, 0.002), ("eV", 27.2114, 0.05)):
+            lines = view("--sites", "-u", unit, "density", "field").split("\n")
+            self.assertEqual([line.split()[:2] for line in lines[1:4:2]], [["atom", unit], ["H2", lines[3].split()[1]]])
+            for line, x in zip(lines[2:], (-RADIUS, 0.0)):  # the second atom's part begins at x = 0
+                value, *position = map(float, line.split()[1:])
+                self.assertAlmostEqual(value, (0.3 + 0.02 * x) * hartree, delta=delta)
+                self.assertAlmostEqual(math.hypot(*position), RADIUS, delta=0.01)
+                self.assertAlmostEqual(position[0], x, delta=0.1)
+        low, high = ((0.3 + x * 0.02 * RADIUS) * 27.2114 for x in (-1, 1))
+        name, *ends = view("--print-range", "density", "field", "density", "field").split()
+        self.assertEqual([name, *(f"{round(float(end), 1)}" for end in ends)], ["--range", f"{low:.1f}", f"{high:.1f}"])
+        view("density", "field", "-r", *ends)
+        self.assertIn(f"they go from {low:.1f}", view("density", "field", "-r", 0.2, 0.4, status=1))
+        self.assertIn("eV or hartree, not 'kJ'",
+                      view("density", "field", "-u", "kJ", status=1))
+        Path("other").write_text(Path("field").read_text().replace("Averaged local ionization", "Electrostatic"))
+        self.assertRegex(view("--sites", "-u", "eV", "density", "other"), r"eV .*\nN1 +0\.247")  # not converted
 
     def test_sites_of_aniline(self):
-        rows = [line.split() for line in view("--sites", *cubes_of_aniline(4.5)).split("\n")[2:-1]]
+        rows = [line.split() for line in view("--sites", "-u", "hartree", *cubes_of_aniline(4.5)).split("\n")[2:-1]]
         lowest = {row[0]: float(row[1]) for row in rows}
         self.assertEqual(list(lowest.values()), sorted(lowest.values()))
         # Nitrogen, ortho, para, meta: read off columns of points 0.002 bohr apart (meta: steps of 0.1).
@@ -177,7 +213,30 @@ class View(Companion):
         self.assertIn("cut the surface open", view("slope", "-i", 1, "-o", "page.html"))
         for point in orva_view.find_surface(orva_view.read_cube("slope"), 1.0, None).points:
             self.assertAlmostEqual(point[2], -0.3, delta=0.01)  # an edge ends with its row of points
-        self.assertIn("orva-view: error:", view("good", "--sites", status=2))
+        for wrong in (["--labels", "good"], ["--labels", 0, "good"], ["--size", 9, 9, "good"], ["good"] * 3):
+            self.assertIn("orva-view: error:", view(*wrong, status=2))
+
+    def test_a_wavefunction_is_shown_as_orva_surface_finds_it(self):
+        Path("tools").mkdir()
+        shutil.copy(TOP / "tools/orva-view", "tools")
+        self.assertIn("needs orva-surface", run("env", "PATH=", sys.executable, "tools/orva-view", WATER, status=1))
+        Path("tools/orva-surface").write_text(SURFACE)
+        Path("tools/orva-surface").chmod(0o755)
+        lines = run("tools/orva-view", "--sites", WATER, "-i", 0.002).split("\n")
+        self.assertEqual(lines[-2], "a warning")
+        self.assertRegex(lines[0], r"surface of 0\.002 bohr\^-3: minima and maxima")
+        self.assertEqual([line.split() for line in lines[2:-2]], [
+            ["O1", "10.88", "-1.000", "0.000", "0.000", "minimum"],
+            ["H2", "13.61", "1.000", "0.000", "0.000", "maximum"]])
+        self.assertEqual(run("tools/orva-view", "--print-range", WATER, "-u", "hartree", WATER).split("\n")[0],
+                         "--unit hartree --range 0.400 0.500")
+        run("tools/orva-view", WATER, "--labels", 3)
+        page = json.loads(re.search(r'id="data">(.*)</script>', Path("water.html").read_text())[1])
+        self.assertEqual([(site["name"], site["value"], site["point"]["x"]) for site in page["sites"]],
+                         [("O1", "10.88", -0.529177)])
+        self.assertEqual([axis["low"] for axis in page["surfaces"][0]["axes"]], [-0.529177] * 3)
+        Path("broken.fchk").write_text("")
+        self.assertEqual(run("tools/orva-view", "broken.fchk", status=1), "a warning\n")
 
 
 def pixels(path):
@@ -201,16 +260,28 @@ def pixels(path):
     return rows
 
 
+# Shows what the button saves.
+PRESS = """<script>
+HTMLAnchorElement.prototype.click = function () {
+  document.body.innerHTML = `<img src="${this.href}" style="position: absolute; left: 0; top: 0">`;
+};
+setTimeout(() => document.getElementById("save").click(), 9000);
+</script>"""
+
+
 class Browser(Companion):
-    def test_draws_aniline(self):
+    def test_saves_a_picture_of_aniline(self):
         if subprocess.run(["which", "chromium"], capture_output=True).returncode != 0:
             self.skipTest("chromium is not installed")
-        if "no 3Dmol.js" in view(*cubes_of_aniline(4.5), "-r", 0.29, 0.45, "--turn", 188, 12, 0, "-o", "page.html"):
+        if "no 3Dmol.js" in view(*cubes_of_aniline(4.5), "-r", 7.9, 12.2, "--turn", 188, 12, 0, "--labels", 2,
+                                 "--colors", "rainbow", "--size", 900, 600, "-o", "page.html"):
             self.skipTest("the npm package 3dmol is not installed")
-        run(TOP / "scripts/draw", "page.html", "page.png")
+        Path("page.html").write_text(Path("page.html").read_text() + PRESS)
+        run(TOP / "scripts/draw", "page.html", "page.png", 1000, 700)
         rows = pixels("page.png")
-        for place, x, y, hue in (("lone pair", 575, 325, "R"), ("ortho", 430, 380, "R"), ("para", 325, 300, "R"),
-                                 ("NH2", 600, 205, "B"), ("CH", 480, 150, "G"), ("beside", 120, 300, "RGB")):
+        for place, x, y, hue in (("lone pair", 600, 345, "R"), ("ortho", 380, 400, "R"), ("para", 270, 355, "R"),
+                                 ("NH2", 630, 230, "B"), ("CH", 460, 120, "G"), ("beside", 100, 400, "RGB"),
+                                 ("lowest number", 554, 343, "RGB"), ("scale's low end", 877, 420, "R")):
             colour = rows[y][x]
             strong = "".join(name for name, part in zip("RGB", colour) if part > 0.9 * max(colour))
             self.assertEqual(strong, hue, (place, colour))
