@@ -34,7 +34,9 @@ void RowSweep::lay_out() {
       {&piece_.weights, tables_->terms.size()},
       {&piece_.products, std::size_t{plan.atom_count} * row_powers * row_powers},
       {&piece_.peaks, plan.function_count * tiles},
+      {&piece_.norms, 2 * std::size_t{plan.function_count}},
       {&piece_.shares, 2 * tiles * plan.radial_count},
+      {&piece_.point_shares, 2 * std::size_t{kernel_.tile_points} * plan.radial_count},
       {&piece_.values, plan.function_count * tiles * kernel_.tile_points},
       {&piece_.coefficients, std::size_t{plan.function_count} * plan.stride},
       {&piece_.magnitudes, tables_->magnitudes.empty() ? 0 : std::size_t{plan.function_count} * plan.stride}};
@@ -63,6 +65,7 @@ void RowSweep::run(unsigned i, unsigned j) {
   // Pieces of nearly equal length.
   const unsigned tile_count = (row_length_ + kernel_.tile_points - 1) / kernel_.tile_points;
   const unsigned piece_count = (tile_count + kernel_.piece_tiles - 1) / kernel_.piece_tiles;
+  weighings_.resize(piece_count, row_by_tiles);
   const auto start_of = [&](std::size_t p) { return static_cast<unsigned>(p * tile_count / piece_count); };
   for (unsigned p = 0; p < piece_count; ++p) {
     RowPiece piece = piece_;
@@ -70,6 +73,7 @@ void RowSweep::run(unsigned i, unsigned j) {
     piece.tile_count = start_of(p + 1) - piece.first_tile;
     piece.fields = fields_.data() + std::size_t{piece.first_tile} * kernel_.tile_points;
     piece.tolerances = tolerances_.data() + std::size_t{piece.first_tile} * kernel_.tile_points;
-    kernel_.run(tables_->plan, piece);
+    piece.weighing = weighings_[p];
+    weighings_[p] = kernel_.run(tables_->plan, piece);
   }
 }

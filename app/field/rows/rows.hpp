@@ -41,6 +41,7 @@ class RowSweep {
   const RowKernel& kernel_;
   unsigned row_length_;
   RowPiece piece_{};
+  std::vector<RowWeighing> weighings_;  // of the pieces, as the last row had them best
   AlignedDoubles fields_, tolerances_, memory_;
   std::vector<RowUse> uses_;
   std::vector<unsigned> functions_;

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "app/field/point/exponential.hpp"
+#include "app/field/rows/rows_plan.hpp"
 #include "app/model/shell.hpp"
 
 // How far the values of the sweep by rows may lie from those of the exact sweep: a proof, to be read from top
@@ -109,45 +110,51 @@ static_assert(rows_units(rows_roundings, RowCount::argument) == 6.0 &&
 // of multiples are equal to the bit. At most as many pairs of powers across as a shell has functions add up
 // to shell_max or less.
 //
-// 3. With a <= 48 therefore |error of φ_o| <= ε Σ_f |C_fo| V_f, where ε = (6·48 + 100 + 2 P + n + F + g) u.
-// The kernel takes for V_f the sum over powers of what they come to at most in a tile (`peaks`). Bounds are
-// evaluated in doubles themselves, and errors of errors are left out: the margin is above both, as long as
-// fewer than 10^8 numbers are added up.
+// 3. With a <= b therefore |error of φ_o| <= ε Σ_f |C_fo| V_f, where ε = (6 b + 100 + 2 P + n + F + g) u.
+// A piece of a row is weighed by tiles, with b = 48: then the kernel takes for V_f the sum over powers of
+// what they come to at most in a tile (`peaks`). Or by points: then it takes the sum for each point, of the
+// terms' own values at the point with all weights taken positive, and b = 746, beyond which both sweeps have
+// nothing of a term to any purpose. Bounds are evaluated in doubles themselves, and errors of errors are left
+// out: the margin is above both, as long as fewer than 10^8 numbers are added up.
 
 inline constexpr double rows_margin = 1.0625;
-inline constexpr double rows_argument_max = 48.0;
+inline constexpr double rows_argument_max[] = {48.0, exponential_zero_limit};  // by RowWeighing
 
 /// ε without n and g, and what each of these adds.
-constexpr double rows_rounding(double term_max, double function_max) {
+constexpr double rows_rounding(double argument_max, double term_max, double function_max) {
   return rows_margin * rows_unit *
-         (rows_units(rows_roundings, RowCount::argument) * rows_argument_max +
+         (rows_units(rows_roundings, RowCount::argument) * argument_max +
           rows_units(rows_roundings, RowCount::once) +
           rows_units(rows_roundings, RowCount::primitive) * term_max +
           rows_units(rows_roundings, RowCount::multiple) * function_max);
 }
 inline constexpr double rows_rounding_of_summand = rows_margin * rows_unit;
 
-// 4. The tail. For a term with a > 48 the bound lacks (6 a - 6·48) u: from a = 746 on both sweeps have
-// nothing of it to any purpose, below that it is at most 2^-40 of the term. Since r^l exp(-α r²) falls from α
-// r² = l/2 on, the term is smaller than at a = 48, where no offset is above sqrt(48 / α). Terms that the rows
-// do not evaluate at all, as they are out of reach (6), come to less than rows_negligible each. Both are
-// added up over all terms, near or far; a term is here one of a radial, with all functions that share it, and
-// with |C| or the length of 7. An exponential that underflows is off by 2^-1074, far below 2^-40 exp(-48). No
-// value of an orbital below 10^-19 is sure, as the tail alone is more than 10^-7 of it: so the square of a
-// sure value does not underflow.
+// 4. The tail. By tiles, for a term with a > 48 the bound lacks (6 a - 6·48) u: from a = 746 on both sweeps
+// have nothing of it to any purpose, below that it is at most 2^-40 of the term. Since r^l exp(-α r²) falls
+// from α r² = l/2 on, the term is smaller than at a = 48, where no offset is above sqrt(48 / α). By points it
+// lacks nothing. Terms that the rows do not evaluate at all, as they are out of reach (6), come to less than
+// rows_negligible each. Both are added up over all terms, near or far; a term is here one of a radial, with
+// all functions that share it, and with |C| or the length of 7. An exponential that underflows is off by
+// 2^-1074: with all that it may be multiplied by (1e80, see rows_is_ordinary and offset_max) that is far
+// below what is negligible. By tiles no value of an orbital below 10^-19 is sure, as the tail alone is more
+// than 10^-7 of it. By points nothing is sure where V, over all orbitals, comes to less than rows_least, and
+// else no value below 10^-6 ε rows_least: so squares of sure values do not underflow.
 
 inline constexpr double rows_tail = 0x1p-40;
-inline constexpr double rows_negligible = 1e-26;
+inline constexpr double rows_negligible[] = {1e-26, 1e-120};  // by RowWeighing
+inline constexpr double rows_least = 1e-100;
 static_assert(rows_units(rows_roundings, RowCount::argument) * exponential_zero_limit * rows_unit <=
               rows_tail);
-static_assert(shell_max <= 2.0 * rows_argument_max);
+static_assert(shell_max <= 2.0 * rows_argument_max[row_by_tiles]);
 
 /// What a term adds to the tail. magnitude(across, along): what it comes to at most, its exponential aside,
 /// where the offsets are at most so large.
 template <class Magnitude>
-double rows_tail_of(double exponent, Magnitude magnitude) {
-  const double far = std::sqrt(rows_argument_max / exponent);
-  return rows_tail * std::exp(-rows_argument_max) * magnitude(far, far) + rows_negligible;
+double rows_tail_of(RowWeighing weighing, double exponent, Magnitude magnitude) {
+  const double argument = rows_argument_max[weighing], far = std::sqrt(argument / exponent);
+  return (weighing == row_by_tiles ? rows_tail * std::exp(-argument) * magnitude(far, far) : 0.0) +
+         rows_negligible[weighing];
 }
 
 // 5. What is left out. A tile leaves out radials that come to next to nothing in it. All of their V enters
@@ -159,7 +166,9 @@ double rows_tail_of(double exponent, Magnitude magnitude) {
 //
 // A radial is left out where its share of a tile's total is below `cut` times ε: the more, the less there is
 // to add up, but the more values are in doubt. Where each orbital has a bound of its own, the total is made
-// of the largest coefficients of any of them, and some orbitals come to much less.
+// of the largest coefficients of any of them, and some orbitals come to much less. By points, share and
+// total are those of the point where the share is largest against the total; so much of the total of any
+// point is taken to be left out at that point.
 
 inline constexpr double rows_cut = 4.0, rows_cut_of_many = 0x1p-8;
 
@@ -169,10 +178,11 @@ inline constexpr double rows_cut = 4.0, rows_cut_of_many = 0x1p-8;
 
 /// The square of that distance; infinite if there is none in sight.
 template <class Magnitude>
-double rows_reach(double exponent, Magnitude magnitude) {
+double rows_reach(RowWeighing weighing, double exponent, Magnitude magnitude) {
   const double along = std::sqrt(shell_max / (2.0 * std::numbers::e * exponent));
   const auto is_out = [&](double distance2) {
-    return std::exp(-exponent * distance2) * magnitude(std::sqrt(distance2), along) <= rows_negligible;
+    return std::exp(-exponent * distance2) * magnitude(std::sqrt(distance2), along) <=
+           rows_negligible[weighing];
   };
   double distance2 = shell_max / exponent;
   for (int step = 0; step < 50 && !is_out(distance2); ++step) {
@@ -186,8 +196,9 @@ double rows_reach(double exponent, Magnitude magnitude) {
 // errors of all √w_o φ_o is not longer. With s from the rows, the exact sweep's sum differs by at most 2 √s Δ
 // + Δ² (below, 3 in place of 1 is slack) and by the roundings of both sums. Occupations n_o weigh the
 // density, n_o |ε_o| the numerator of the potential. The relative tolerance of a quotient is the sum of both,
-// within the margin for what is sure. All points of a tile have the tolerance of its smallest s. Doubling for
-// pairs of electrons is exact.
+// within the margin for what is sure. All points of a tile that is weighed with others have the tolerance of
+// its smallest s where that is low enough, else each that of its own s. Doubling for pairs of electrons is
+// exact.
 
 inline constexpr std::array rows_sum_roundings = {
     RowRounding{"square", "eval_square", RowCount::once, 1},

@@ -118,8 +118,11 @@ class OrbitalBuilder {
       term_max = std::max(term_max, radial.term_count);
       function_max = std::max(function_max, radial.basis_count);
     }
-    plan.rounding = rows_rounding(term_max, function_max);
-    plan.cut = (tables_.magnitudes.empty() ? rows_cut : rows_cut_of_many) * plan.rounding;
+    for (const RowWeighing way : {row_by_tiles, row_by_points}) {
+      RowBound& bound = plan.bounds[way];
+      bound.rounding = rows_rounding(rows_argument_max[way], term_max, function_max);
+      bound.cut = (tables_.magnitudes.empty() ? rows_cut : rows_cut_of_many) * bound.rounding;
+    }
     for (const RowRadial& radial : tables_.radials) {
       const std::span terms(tables_.terms.data() + radial.first_term, radial.term_count);
       for (RowTerm& term : terms) {
@@ -127,14 +130,16 @@ class OrbitalBuilder {
           return
               [&, norm](double across, double along) { return magnitude(radial, term, across, along, norm); };
         };
-        for (unsigned norm = 0; norm < 2; ++norm) {
-          plan.tail[norm] += rows_tail_of(term.exponent, of_norm(norm));
+        for (const RowWeighing way : {row_by_tiles, row_by_points}) {
+          for (unsigned norm = 0; norm < 2; ++norm) {
+            plan.bounds[way].tail[norm] += rows_tail_of(way, term.exponent, of_norm(norm));
+          }
+          term.reach[way] = rows_reach(way, term.exponent, [&](double across, double along) {
+            return std::max(of_norm(0)(across, along), of_norm(1)(across, along));
+          });
         }
-        term.reach = rows_reach(term.exponent, [&](double across, double along) {
-          return std::max(of_norm(0)(across, along), of_norm(1)(across, along));
-        });
       }
-      std::ranges::sort(terms, {}, &RowTerm::reach);
+      std::ranges::sort(terms, {}, [](const RowTerm& term) { return term.reach[row_by_points]; });
     }
   }
 

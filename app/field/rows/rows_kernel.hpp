@@ -26,9 +26,12 @@ class RowPass {
   static constexpr unsigned tile_packs = piece_tiles / Real::lanes;  // with a tile in each lane
   static_assert(tile_packs * Real::lanes * tile_points == 128);
 
-  static void run(const RowPlan& plan, const RowPiece& piece) {
+  static RowWeighing run(const RowPlan& plan, const RowPiece& piece) {
     RowPass pass(plan, piece);
     pass.weigh();
+    if (piece.weighing == row_by_points) {
+      pass.weigh_points();
+    }
     pass.choose();
     pass.evaluate_functions();
     unsigned first_orbital = 0;
@@ -40,9 +43,11 @@ class RowPass {
     if (plan.field == FieldKind::density_and_potential) {
       pass.finish_density();
     }
+    return pass.best_weighing();
   }
 
-  RowPass(const RowPlan& plan, const RowPiece& piece) : plan_(plan), piece_(piece), in_reach_(piece.uses) {}
+  RowPass(const RowPlan& plan, const RowPiece& piece)
+      : plan_(plan), piece_(piece), bound_(plan.bounds[piece.weighing]), in_reach_(piece.uses) {}
 
   // What each radial in reach can come to at most in each tile, over all its functions and all orbitals.
   void weigh() {
@@ -56,7 +61,7 @@ class RowPass {
         const RowRadial& radial = plan_.radials[r];
         const RowTerm* const terms = plan_.terms + radial.first_term;
         unsigned out_of_reach = 0;
-        while (out_of_reach < radial.term_count && terms[out_of_reach].reach < distance2) {
+        while (out_of_reach < radial.term_count && terms[out_of_reach].reach[piece_.weighing] < distance2) {
           ++out_of_reach;
         }
         if (out_of_reach < radial.term_count) {
@@ -94,8 +99,6 @@ class RowPass {
     }
     in_reach_[in_reach_count_++] = {
         .radial = number, .first_term = first_term, .first_tile = 0, .end_tile = 0};
-    Real shares[2][tile_packs] = {};
-    const unsigned packs = (piece_.tile_count + Real::lanes - 1) / Real::lanes;
     for (unsigned power = 0; power <= radial.power_max; ++power) {
       double norms[2] = {};
       for (unsigned m = radial.monomials[power]; m < radial.monomials[power + 1]; ++m) {
@@ -103,6 +106,24 @@ class RowPass {
         norms[0] += product * plan_.monomials[m].norms[0];
         norms[1] += product * plan_.monomials[m].norms[1];
       }
+      norms_of(radial, power)[0] = norms[0];
+      norms_of(radial, power)[1] = norms[1];
+    }
+    if (piece_.weighing == row_by_tiles) {
+      weigh_tiles(number, terms, weights, term_count);
+    }
+  }
+
+  double* norms_of(const RowRadial& radial, unsigned power) const {
+    return piece_.norms + 2 * (std::size_t{radial.first_function} + power);
+  }
+
+  void weigh_tiles(unsigned number, const RowTerm* terms, const double* weights, unsigned term_count) {
+    const RowRadial& radial = plan_.radials[number];
+    Real shares[2][tile_packs] = {};
+    const unsigned packs = (piece_.tile_count + Real::lanes - 1) / Real::lanes;
+    for (unsigned power = 0; power <= radial.power_max; ++power) {
+      const double* const norms = norms_of(radial, power);
       double* const peaks = piece_.peaks + std::size_t{radial.first_function + power} * piece_tiles;
       for (unsigned p = 0; p < packs; ++p) {
         const std::size_t at = std::size_t{power} * plan_.tile_room + piece_.first_tile + p * Real::lanes;
@@ -128,6 +149,71 @@ class RowPass {
     return piece_.shares + (std::size_t{radial} * 2 + norm) * piece_tiles;
   }
 
+  // The same for each point. What a radial comes to in a tile is then set to the largest part that it has of
+  // a point's total, and the total to 1.
+  void weigh_points() {
+    for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
+      const std::size_t at = (std::size_t{piece_.first_tile} + tile) * tile_points;
+      Real totals[2][TilePacks] = {};
+      for (unsigned n = 0; n < in_reach_count_; ++n) {
+        weigh_points_of(in_reach_[n], at, totals);
+      }
+      Real inverses[2][TilePacks];
+      for (unsigned norm = 0; norm < 2; ++norm) {
+        for (unsigned p = 0; p < TilePacks; ++p) {
+          const auto is_least = is_below(totals[norm][p], Real(rows_least));
+          const Real inverse = 1.0 / totals[norm][p];
+          inverses[norm][p] = from_bits(bits_of(inverse) & ~is_least, inverse);
+          point_totals_[norm][tile][p] =
+              higher_of(totals[norm][p], from_bits(bits_of(Real(HUGE_VAL)) & is_least, inverse));
+        }
+      }
+      for (unsigned n = 0; n < in_reach_count_; ++n) {
+        for (unsigned norm = 0; norm < 2; ++norm) {
+          const double* const shares = point_shares_of(in_reach_[n].radial, norm);
+          Real part = 0.0;
+          for (unsigned p = 0; p < TilePacks; ++p) {
+            part = higher_of(part, Real::load(shares + p * Real::lanes) * inverses[norm][p]);
+          }
+          shares_of(in_reach_[n].radial, norm)[tile] = highest(part);
+        }
+      }
+    }
+    for (Real(&totals)[tile_packs] : totals_) {
+      for (Real& total : totals) {
+        total = 1.0;
+      }
+    }
+  }
+
+  void weigh_points_of(const RowUse& use, std::size_t at, Real (&totals)[2][TilePacks]) const {
+    const RowRadial& radial = plan_.radials[use.radial];
+    const double* const offsets = plan_.atoms[radial.atom].along + at;
+    for (unsigned p = 0; p < TilePacks; ++p) {
+      Real value = 0.0;
+      for (unsigned t = use.first_term; t < radial.term_count; ++t) {
+        const unsigned term = radial.first_term + t;
+        value = value +
+                std::fabs(piece_.weights[term]) * Real::load(plan_.terms[term].along + at + p * Real::lanes);
+      }
+      const Real offset = Real::load(offsets + p * Real::lanes), distance = higher_of(offset, 0.0 - offset);
+      Real shares[2] = {0.0, 0.0};
+      for (unsigned power = 0; power <= radial.power_max; ++power) {
+        shares[0] = shares[0] + norms_of(radial, power)[0] * value;
+        shares[1] = shares[1] + norms_of(radial, power)[1] * value;
+        value = value * distance;
+      }
+      for (unsigned norm = 0; norm < 2; ++norm) {
+        shares[norm].store(point_shares_of(use.radial, norm) + p * Real::lanes);
+        totals[norm][p] = totals[norm][p] + shares[norm];
+      }
+    }
+  }
+
+  double* point_shares_of(unsigned radial, unsigned norm) const {
+    return piece_.point_shares + (std::size_t{radial} * 2 + norm) * tile_points;
+  }
+
   // Leaves out the radials that come to next to nothing in a tile, and sets the bounds.
   void choose() {
     double totals[2][piece_tiles], left_out[2][piece_tiles] = {};
@@ -142,7 +228,7 @@ class RowPass {
       const RowRadial& radial = plan_.radials[use.radial];
       const double* const shares[2] = {shares_of(use.radial, 0), shares_of(use.radial, 1)};
       for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
-        if (shares[0][tile] > plan_.cut * totals[0][tile]) {
+        if (shares[0][tile] > bound_.cut * totals[0][tile]) {
           add_functions(radial, tile);
           summand_counts[tile] += radial.basis_count + radial.power_max + 1;
           use.first_tile = use.end_tile == 0 ? tile : use.first_tile;
@@ -159,11 +245,25 @@ class RowPass {
     }
     in_reach_count_ = used_count;
     for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
-      rounding_[tile] = plan_.rounding + summand_counts[tile] * rows_rounding_of_summand;
+      rounding_[tile] = bound_.rounding + summand_counts[tile] * rows_rounding_of_summand;
       for (unsigned norm = 0; norm < 2; ++norm) {
-        left_out_[norm][tile] = 2.0 * (left_out[norm][tile] + plan_.tail[norm]);
-        bounds_[norm][tile] = rounding_[tile] * totals[norm][tile] + left_out_[norm][tile];
+        const double tail = 2.0 * bound_.tail[norm];
+        left_out_[norm][tile] = 2.0 * left_out[norm][tile] + tail;
+        if (piece_.weighing == row_by_tiles) {
+          set_bound(norm, tile, rounding_[tile] * totals[norm][tile] + left_out_[norm][tile]);
+        } else {
+          for (unsigned p = 0; p < TilePacks; ++p) {
+            bounds_[norm][tile][p] =
+                (rounding_[tile] + 2.0 * left_out[norm][tile]) * point_totals_[norm][tile][p] + tail;
+          }
+        }
       }
+    }
+  }
+
+  void set_bound(unsigned norm, unsigned tile, double bound) {
+    for (Real& of_pack : bounds_[norm][tile]) {
+      of_pack = bound;
     }
   }
 
@@ -274,7 +374,8 @@ class RowPass {
   void evaluate_group(const RowOrbitals& chunk, unsigned first, unsigned first_orbital) {
     const double* const coefficients = piece_.coefficients + first;
     double peaks[Orbitals][piece_tiles];
-    if (chunk.magnitudes != nullptr) {
+    const bool has_peaks = chunk.magnitudes != nullptr && piece_.weighing == row_by_tiles;
+    if (has_peaks) {
       find_peaks(first, peaks);
     }
     for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
@@ -291,9 +392,10 @@ class RowPass {
             sums_[tile][p].add(orbitals[o][p], chunk.weights[first + o], chunk.energy_weights[first + o]);
           }
         } else {
-          finish_orbital(orbitals[o], tile, first_orbital + first + o,
-                         chunk.magnitudes == nullptr ? bounds_[0][tile]
-                                                     : rounding_[tile] * peaks[o][tile] + left_out_[0][tile]);
+          if (has_peaks) {
+            set_bound(0, tile, rounding_[tile] * peaks[o][tile] + left_out_[0][tile]);
+          }
+          finish_orbital(orbitals[o], tile, first_orbital + first + o);
         }
       }
     }
@@ -316,11 +418,11 @@ class RowPass {
     }
   }
 
-  void finish_orbital(const Real (&values)[TilePacks], unsigned tile, std::size_t orbital,
-                      double bound) const {
+  void finish_orbital(const Real (&values)[TilePacks], unsigned tile, std::size_t orbital) {
     for (unsigned p = 0; p < TilePacks; ++p) {
       const std::size_t at = orbital * piece_.stride + std::size_t{tile} * tile_points + p * Real::lanes;
-      const Real relative = bound / higher_of(values[p], 0.0 - values[p]);
+      const Real relative = bounds_[0][tile][p] / higher_of(values[p], 0.0 - values[p]);
+      poorness_ = poorness_ + lower_of(relative, Real(poor));
       if (plan_.field == FieldKind::orbital) {
         values[p].store(piece_.fields + at);
         relative.store(piece_.tolerances + at);
@@ -331,37 +433,97 @@ class RowPass {
     }
   }
 
-  void finish_density() const {
+  void finish_density() {
     for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
       double density = HUGE_VAL, weighted = HUGE_VAL;
       for (const OccupiedSums<Real>& sums : sums_[tile]) {
         density = lower_of(density, lowest(sums.density));
         weighted = lower_of(weighted, lowest(sums.weighted));
       }
-      const double tolerance = rows_sum_tolerance(bounds_[0][tile], density, plan_.orbital_count);
-      const double weighted_tolerance = rows_sum_tolerance(bounds_[1][tile], weighted, plan_.orbital_count);
-      // Without energies 0 divided by a density that is not 0: exactly 0.
-      const double potential_tolerance = plan_.has_energies
-                                             ? rows_quotient_tolerance(weighted_tolerance, tolerance)
-                                         : tolerance < 0.5 ? 0.0
-                                                           : HUGE_VAL;
+      const Tolerances together = tolerances_of(tile, 0, density, weighted);
+      const bool is_alone = !(together.density < alone && together.potential < alone);
       for (unsigned p = 0; p < TilePacks; ++p) {
         const OccupiedSums<Real>& sums = sums_[tile][p];
         double* const field = piece_.fields + std::size_t{tile} * tile_points + p * Real::lanes;
         double* const relative = piece_.tolerances + (field - piece_.fields);
         eval_total(sums, plan_.is_restricted).store(field);
         eval_potential(sums, false).store(field + piece_.stride);
-        Real(tolerance).store(relative);
-        Real(potential_tolerance).store(relative + piece_.stride);
+        Real(together.density).store(relative);
+        Real(together.potential).store(relative + piece_.stride);
+        if (is_alone) {
+          settle_alone(tile, p, relative);
+        }
+        poorness_ = poorness_ + lower_of(Real::load(relative), Real(poor));
       }
     }
   }
 
+  // Tolerances of each point of a pack.
+  void settle_alone(unsigned tile, unsigned p, double* relative) const {
+    double density[Real::lanes], weighted[Real::lanes];
+    sums_[tile][p].density.store(density);
+    sums_[tile][p].weighted.store(weighted);
+    for (unsigned lane = 0; lane < Real::lanes; ++lane) {
+      const Tolerances own = tolerances_of(tile, p * Real::lanes + lane, density[lane], weighted[lane]);
+      relative[lane] = own.density;
+      relative[piece_.stride + lane] = own.potential;
+    }
+  }
+
+  struct Tolerances {
+    double density, potential;
+  };
+
+  Tolerances tolerances_of(unsigned tile, unsigned point, double density, double weighted) const {
+    const auto bound = [&](unsigned norm) {
+      return bounds_[norm][tile][point / Real::lanes].lane[point % Real::lanes];
+    };
+    const double tolerance = rows_sum_tolerance(bound(0), density, plan_.orbital_count);
+    if (!plan_.has_energies) {
+      // 0 divided by a density that is not 0: exactly 0.
+      return {tolerance, tolerance < 0.5 ? 0.0 : HUGE_VAL};
+    }
+    const double weighted_tolerance = rows_sum_tolerance(bound(1), weighted, plan_.orbital_count);
+    return {tolerance, rows_quotient_tolerance(weighted_tolerance, tolerance)};
+  }
+
+  // By points where tolerances are poor on an average, and by tiles again where these have totals for it.
+  RowWeighing best_weighing() const {
+    if (piece_.weighing == row_by_tiles) {
+      double poorness[Real::lanes], sum = 0.0;
+      poorness_.store(poorness);
+      for (const double part : poorness) {
+        sum += part;
+      }
+      const double orbitals = plan_.field == FieldKind::density_and_potential ? 1.0 : plan_.orbital_count;
+      return sum < often * orbitals * piece_.tile_count * tile_points ? row_by_tiles : row_by_points;
+    }
+    const double least = 8.0 * plan_.bounds[row_by_tiles].tail[0] / plan_.bounds[row_by_tiles].rounding;
+    for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
+      double low = HUGE_VAL, high = 0.0;
+      for (const Real& totals : point_totals_[0][tile]) {
+        low = lower_of(low, lowest(totals));
+        high = higher_of(high, highest(totals));
+      }
+      if (!(low > least && high < 1e3 * low)) {
+        return row_by_points;
+      }
+    }
+    return row_by_tiles;
+  }
+
+  // Tolerances below `alone` leave next to nothing in doubt, `often` as much as it costs to weigh by points;
+  // one above `poor` counts as this.
+  static constexpr double alone = 1e-10, often = 1e-9, poor = 1e-8;
+
   Real totals_[2][tile_packs] = {};
   OccupiedSums<Real> sums_[piece_tiles][TilePacks];
-  double rounding_[piece_tiles], left_out_[2][piece_tiles], bounds_[2][piece_tiles];
+  double rounding_[piece_tiles], left_out_[2][piece_tiles];
+  Real bounds_[2][piece_tiles][TilePacks], point_totals_[2][piece_tiles][TilePacks];
+  Real poorness_ = 0.0;
   const RowPlan& plan_;
   const RowPiece& piece_;
+  const RowBound& bound_;
   RowUse* const in_reach_;  // the radials in reach, then those in use
   unsigned function_counts_[any_tile + 1] = {};
   unsigned in_reach_count_ = 0;
