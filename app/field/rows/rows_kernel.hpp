@@ -109,9 +109,7 @@ class RowPass {
       norms_of(radial, power)[0] = norms[0];
       norms_of(radial, power)[1] = norms[1];
     }
-    if (piece_.weighing == row_by_tiles) {
-      weigh_tiles(number, terms, weights, term_count);
-    }
+    weigh_tiles(number, terms, weights, term_count);
   }
 
   double* norms_of(const RowRadial& radial, unsigned power) const {
@@ -150,32 +148,47 @@ class RowPass {
   }
 
   // The same for each point. What a radial comes to in a tile is then set to the largest part that it has of
-  // a point's total, and the total to 1.
+  // a point's total, and the total to 1. The last radials of an atom reach farthest: against these, what most
+  // of the others come to at most in a tile is next to nothing at all of its points.
   void weigh_points() {
     for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
-      const std::size_t at = (std::size_t{piece_.first_tile} + tile) * tile_points;
       Real totals[2][TilePacks] = {};
-      for (unsigned n = 0; n < in_reach_count_; ++n) {
-        weigh_points_of(in_reach_[n], at, totals);
+      double low[2] = {};
+      unsigned weighed_count = 0;
+      for (unsigned n = in_reach_count_; n-- > 0;) {
+        const unsigned radial = in_reach_[n].radial;
+        double* const shares[2] = {shares_of(radial, 0) + tile, shares_of(radial, 1) + tile};
+        if (*shares[0] <= bound_.cut * low[0]) {
+          *shares[0] /= low[0];
+          *shares[1] /= low[1];
+          continue;
+        }
+        weigh_points_of(in_reach_[n], tile, totals);
+        piece_.functions[weighed_count++] = radial;
+        for (unsigned norm = 0; norm < 2; ++norm) {
+          low[norm] = lowest(totals[norm][0]);
+          for (const Real& total : totals[norm]) {
+            low[norm] = lower_of(low[norm], lowest(total));
+          }
+        }
       }
-      Real inverses[2][TilePacks];
       for (unsigned norm = 0; norm < 2; ++norm) {
+        Real inverses[TilePacks];
         for (unsigned p = 0; p < TilePacks; ++p) {
-          const auto is_least = is_below(totals[norm][p], Real(rows_least));
           const Real inverse = 1.0 / totals[norm][p];
-          inverses[norm][p] = from_bits(bits_of(inverse) & ~is_least, inverse);
+          const auto is_least = is_below(totals[norm][p], Real(rows_least));
+          inverses[p] = from_bits(bits_of(inverse) & ~is_least, inverse);
           point_totals_[norm][tile][p] =
               higher_of(totals[norm][p], from_bits(bits_of(Real(HUGE_VAL)) & is_least, inverse));
         }
-      }
-      for (unsigned n = 0; n < in_reach_count_; ++n) {
-        for (unsigned norm = 0; norm < 2; ++norm) {
-          const double* const shares = point_shares_of(in_reach_[n].radial, norm);
+        for (unsigned n = 0; n < weighed_count; ++n) {
+          const unsigned radial = piece_.functions[n];
+          const double* const shares = point_shares_of(radial, norm);
           Real part = 0.0;
           for (unsigned p = 0; p < TilePacks; ++p) {
-            part = higher_of(part, Real::load(shares + p * Real::lanes) * inverses[norm][p]);
+            part = higher_of(part, Real::load(shares + p * Real::lanes) * inverses[p]);
           }
-          shares_of(in_reach_[n].radial, norm)[tile] = highest(part);
+          shares_of(radial, norm)[tile] = highest(part);
         }
       }
     }
@@ -186,26 +199,30 @@ class RowPass {
     }
   }
 
-  void weigh_points_of(const RowUse& use, std::size_t at, Real (&totals)[2][TilePacks]) const {
+  void weigh_points_of(const RowUse& use, unsigned tile, Real (&totals)[2][TilePacks]) const {
     const RowRadial& radial = plan_.radials[use.radial];
-    const double* const offsets = plan_.atoms[radial.atom].along + at;
-    for (unsigned p = 0; p < TilePacks; ++p) {
-      Real value = 0.0;
-      for (unsigned t = use.first_term; t < radial.term_count; ++t) {
-        const unsigned term = radial.first_term + t;
-        value = value +
-                std::fabs(piece_.weights[term]) * Real::load(plan_.terms[term].along + at + p * Real::lanes);
+    const std::size_t at = (std::size_t{piece_.first_tile} + tile) * tile_points;
+    Real values[TilePacks] = {}, shares[2][TilePacks] = {};
+    for (unsigned t = use.first_term; t < radial.term_count; ++t) {
+      const double weight = std::fabs(piece_.weights[radial.first_term + t]);
+      const double* const along = plan_.terms[radial.first_term + t].along + at;
+      for (unsigned p = 0; p < TilePacks; ++p) {
+        values[p] = values[p] + weight * Real::load(along + p * Real::lanes);
       }
-      const Real offset = Real::load(offsets + p * Real::lanes), distance = higher_of(offset, 0.0 - offset);
-      Real shares[2] = {0.0, 0.0};
-      for (unsigned power = 0; power <= radial.power_max; ++power) {
-        shares[0] = shares[0] + norms_of(radial, power)[0] * value;
-        shares[1] = shares[1] + norms_of(radial, power)[1] * value;
-        value = value * distance;
+    }
+    for (unsigned power = 0; power <= radial.power_max; ++power) {
+      const double* const norms = norms_of(radial, power);
+      for (unsigned p = 0; p < TilePacks; ++p) {
+        shares[0][p] = shares[0][p] + norms[0] * values[p];
+        shares[1][p] = shares[1][p] + norms[1] * values[p];
+        const Real offset = Real::load(plan_.atoms[radial.atom].along + at + p * Real::lanes);
+        values[p] = values[p] * higher_of(offset, 0.0 - offset);
       }
-      for (unsigned norm = 0; norm < 2; ++norm) {
-        shares[norm].store(point_shares_of(use.radial, norm) + p * Real::lanes);
-        totals[norm][p] = totals[norm][p] + shares[norm];
+    }
+    for (unsigned norm = 0; norm < 2; ++norm) {
+      for (unsigned p = 0; p < TilePacks; ++p) {
+        shares[norm][p].store(point_shares_of(use.radial, norm) + p * Real::lanes);
+        totals[norm][p] = totals[norm][p] + shares[norm][p];
       }
     }
   }
@@ -487,29 +504,29 @@ class RowPass {
     return {tolerance, rows_quotient_tolerance(weighted_tolerance, tolerance)};
   }
 
-  // By points where tolerances are poor on an average, and by tiles again where these have totals for it.
+  // By points where tolerances are poor on an average; by tiles again where there they would not be.
   RowWeighing best_weighing() const {
+    double sum = 0.0, count = piece_.tile_count;
     if (piece_.weighing == row_by_tiles) {
-      double poorness[Real::lanes], sum = 0.0;
+      double poorness[Real::lanes];
       poorness_.store(poorness);
       for (const double part : poorness) {
         sum += part;
       }
-      const double orbitals = plan_.field == FieldKind::density_and_potential ? 1.0 : plan_.orbital_count;
-      return sum < often * orbitals * piece_.tile_count * tile_points ? row_by_tiles : row_by_points;
-    }
-    const double least = 8.0 * plan_.bounds[row_by_tiles].tail[0] / plan_.bounds[row_by_tiles].rounding;
-    for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
-      double low = HUGE_VAL, high = 0.0;
-      for (const Real& totals : point_totals_[0][tile]) {
-        low = lower_of(low, lowest(totals));
-        high = higher_of(high, highest(totals));
+      count *= tile_points * (plan_.field == FieldKind::density_and_potential ? 1.0 : plan_.orbital_count);
+    } else {
+      const RowBound& other = plan_.bounds[row_by_tiles];
+      for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
+        double low = HUGE_VAL, high = 0.0;
+        for (const Real& totals : point_totals_[0][tile]) {
+          low = lower_of(low, lowest(totals));
+          high = higher_of(high, highest(totals));
+        }
+        // Orbitals cancel; in all, they come to about an eighth of what is added up.
+        sum += lower_of(8.0 * (other.rounding * high + 2.0 * other.tail[0]) / low, poor);
       }
-      if (!(low > least && high < 1e3 * low)) {
-        return row_by_points;
-      }
     }
-    return row_by_tiles;
+    return sum < often * count ? row_by_tiles : row_by_points;
   }
 
   // Tolerances below `alone` leave next to nothing in doubt, `often` as much as it costs to weigh by points;
