@@ -16,7 +16,7 @@ namespace {
 // neighbours.
 constexpr double doubt_max = 0.25;
 
-constexpr unsigned pause_max = 63;  // rows
+constexpr unsigned pause_max = 7;  // rows
 
 std::vector<WeightedOrbital> weighted(const Molecule* molecule, FieldKind kind,
                                       std::span<const Orbital> orbitals) {
@@ -68,9 +68,11 @@ struct Fields::State {
 
   void run_row(bool by_rows) {
     if (by_rows) {
-      rows->run(i, j);
-      held = Held::row;
-      return;
+      if (rows->run(i, j)) {
+        held = Held::row;
+        return;
+      }
+      set_pause(false);
     }
     const std::size_t length = cube->npoints[2];
     exact_row.resize(field_count * length);
@@ -79,6 +81,11 @@ struct Fields::State {
         [&](std::size_t n, unsigned c) { return cube_coordinate(cube, i, j, static_cast<unsigned>(n), c); },
         [&](std::size_t field, std::size_t n, double value) { exact_row[field * length + n] = value; });
     held = Held::exact_row;
+  }
+
+  void set_pause(bool is_worth_while) {
+    pause = is_worth_while ? 0 : next_pause;
+    next_pause = is_worth_while ? 0 : std::min(2 * next_pause + 1, pause_max);
   }
 
   // The next points in the order of cube files, a block.
@@ -179,14 +186,16 @@ std::span<const double> Fields::tolerances(std::size_t field) const {
 void Fields::settle(std::span<const unsigned char> in_doubt) {
   State& state = *state_;
   state.doubts.clear();
+  unsigned known = 0, vague = 0;
+  const std::span<const double> tolerances = state.rows->tolerances(0);
   for (unsigned k = 0; k < in_doubt.size(); ++k) {
+    known += tolerances[k] < 1.0 ? 1 : 0;
     if (in_doubt[k] != 0) {
       state.doubts.push_back(k);
+      vague += tolerances[k] < 1.0 ? 1 : 0;
     }
   }
-  const bool is_worth_while = static_cast<double>(state.doubts.size()) <= doubt_max * state.cube->npoints[2];
-  state.pause = is_worth_while ? 0 : state.next_pause;
-  state.next_pause = is_worth_while ? 0 : std::min(2 * state.next_pause + 1, pause_max);
+  state.set_pause(known > 0 && vague <= doubt_max * known);
   state.run_exact(
       state.doubts.size(),
       [&](std::size_t n, unsigned c) {

@@ -20,8 +20,8 @@ class RowSweep {
                                         const RowKernel& kernel, FieldKind field,
                                         std::span<const WeightedOrbital> orbitals);
 
-  /// Evaluates the fields in the row of the first two indices.
-  void run(unsigned i, unsigned j);
+  /// Evaluates the fields in the row of the first two indices. False if nothing is known of them.
+  bool run(unsigned i, unsigned j);
 
   /// What the last run found for each point of the row; numbers as for Sweep::field.
   std::span<double> field(std::size_t number) { return part_of(fields_, number); }
@@ -31,15 +31,17 @@ class RowSweep {
   std::span<const double> tolerances(std::size_t number) { return part_of(tolerances_, number); }
 
  private:
-  RowSweep(std::unique_ptr<RowTables> tables, const RowKernel& kernel, unsigned row_length);
+  RowSweep(std::unique_ptr<RowTables> tables, const RowKernel& kernel, const CubeDefinition* cube);
+  unsigned together() const;
   void lay_out();
   std::span<double> part_of(AlignedDoubles& values, std::size_t number) {
-    return {values.data() + number * piece_.stride, row_length_};
+    return {values.data() + (j_ - first_j_) * piece_.row_stride + number * piece_.stride, row_length_};
   }
 
   std::unique_ptr<RowTables> tables_;
   const RowKernel& kernel_;
-  unsigned row_length_;
+  unsigned row_length_, j_count_, together_max_;
+  unsigned i_ = 0, j_ = 0, first_j_ = 0, end_j_ = 0;  // the row, and the rows of its i that are evaluated
   RowPiece piece_{};
   std::vector<RowWeighing> weighings_;  // of the pieces, as the last row had them best
   AlignedDoubles fields_, tolerances_, memory_;

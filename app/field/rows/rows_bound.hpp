@@ -76,7 +76,7 @@ inline constexpr std::array rows_roundings = {
     RowRounding{"ratio times integer, times C", "add_function, add_coefficients", RowCount::once, 2},
     RowRounding{"sum over the functions of a radial", "add_coefficients", RowCount::multiple, 1},
     // The kernel of the rows.
-    RowRounding{"w times both factors across", "weigh_radial", RowCount::once, 2},
+    RowRounding{"w times both factors across", "multiply_factors", RowCount::once, 2},
     RowRounding{"times the factor along", "evaluate_radial", RowCount::once, 1},
     RowRounding{"sum over terms", "evaluate_radial", RowCount::primitive, 1},
     RowRounding{"powers, in all", "multiply_out, evaluate_radial", RowCount::once, shell_max},
@@ -112,10 +112,11 @@ static_assert(rows_units(rows_roundings, RowCount::argument) == 6.0 &&
 //
 // 3. With a <= b therefore |error of φ_o| <= ε Σ_f |C_fo| V_f, where ε = (6 b + 100 + 2 P + n + F + g) u.
 // A piece of a row is weighed by tiles, with b = 48: then the kernel takes for V_f the sum over powers of
-// what they come to at most in a tile (`peaks`). Or by points: then it takes the sum for each point, of the
-// terms' own values at the point with all weights taken positive, and b = 746, beyond which both sweeps have
-// nothing of a term to any purpose. Bounds are evaluated in doubles themselves, and errors of errors are left
-// out: the margin is above both, as long as fewer than 10^8 numbers are added up.
+// what they come to at most in a tile (`peaks`), in any of the rows that are weighed together. Or by points:
+// then it takes the sum for each point, of the terms' own values at the point with all weights taken
+// positive, and b = 746, beyond which both sweeps have nothing of a term to any purpose. Bounds are evaluated
+// in doubles themselves, and errors of errors are left out: the margin is above both, as long as fewer than
+// 10^8 numbers are added up.
 
 inline constexpr double rows_margin = 1.0625;
 inline constexpr double rows_argument_max[] = {48.0, exponential_zero_limit};  // by RowWeighing

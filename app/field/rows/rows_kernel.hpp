@@ -31,17 +31,13 @@ class RowPass {
     pass.weigh();
     if (piece.weighing == row_by_points) {
       pass.weigh_points();
+      if (!pass.is_in_sight()) {
+        return row_out_of_sight;
+      }
     }
     pass.choose();
-    pass.evaluate_functions();
-    unsigned first_orbital = 0;
-    for (unsigned c = 0; c < plan.chunk_count; ++c) {
-      pass.collapse(plan.chunks[c]);
-      pass.evaluate_orbitals(plan.chunks[c], first_orbital);
-      first_orbital += plan.chunks[c].count;
-    }
-    if (plan.field == FieldKind::density_and_potential) {
-      pass.finish_density();
+    for (unsigned row = 0; row < piece.row_count; ++row) {
+      pass.evaluate_row(row);
     }
     return pass.best_weighing();
   }
@@ -49,19 +45,29 @@ class RowPass {
   RowPass(const RowPlan& plan, const RowPiece& piece)
       : plan_(plan), piece_(piece), bound_(plan.bounds[piece.weighing]), in_reach_(piece.uses) {}
 
-  // What each radial in reach can come to at most in each tile, over all its functions and all orbitals.
+  // What each radial in reach can come to at most in each tile, over all its functions and all orbitals, in
+  // any of the rows.
   void weigh() {
     for (unsigned a = 0; a < plan_.atom_count; ++a) {
       const RowAtom& atom = plan_.atoms[a];
-      const double first = atom.across[0][piece_.across[0]], second = atom.across[1][piece_.across[1]];
-      const double distance2 = first * first + second * second;
-      double* const products = products_of(a);
-      multiply_out(atom, first, second, products);
+      double near2 = 0.0, far[2];
+      for (unsigned c = 0; c < 2; ++c) {
+        double near = HUGE_VAL;
+        far[c] = 0.0;
+        for (unsigned n = 0; n < (c == piece_.moving ? piece_.row_count : 1U); ++n) {
+          const double distance = std::fabs(atom.across[c][piece_.across[c] + n]);
+          near = lower_of(near, distance);
+          far[c] = higher_of(far[c], distance);
+        }
+        near2 += near * near;
+      }
+      double products[row_powers * row_powers];
+      multiply_out(atom, far[0], far[1], products);
       for (unsigned r = atom.first_radial; r < atom.first_radial + atom.radial_count; ++r) {
         const RowRadial& radial = plan_.radials[r];
         const RowTerm* const terms = plan_.terms + radial.first_term;
         unsigned out_of_reach = 0;
-        while (out_of_reach < radial.term_count && terms[out_of_reach].reach[piece_.weighing] < distance2) {
+        while (out_of_reach < radial.term_count && terms[out_of_reach].reach[piece_.weighing] < near2) {
           ++out_of_reach;
         }
         if (out_of_reach < radial.term_count) {
@@ -69,10 +75,6 @@ class RowPass {
         }
       }
     }
-  }
-
-  double* products_of(unsigned atom) const {
-    return piece_.products + std::size_t{atom} * row_powers * row_powers;
   }
 
   // Powers of the first offset across times powers of the second.
@@ -94,15 +96,20 @@ class RowPass {
     double* const weights = piece_.weights + radial.first_term + first_term;
     const unsigned term_count = radial.term_count - first_term;
     for (unsigned t = 0; t < term_count; ++t) {
-      weights[t] =
-          terms[t].weight * terms[t].across[0][piece_.across[0]] * terms[t].across[1][piece_.across[1]];
+      const double* const moving = terms[t].across[piece_.moving] + piece_.across[piece_.moving];
+      double largest = moving[0];
+      for (unsigned n = 1; n < piece_.row_count; ++n) {
+        largest = higher_of(largest, moving[n]);
+      }
+      const unsigned other = 1 - piece_.moving;
+      weights[t] = std::fabs(terms[t].weight) * largest * terms[t].across[other][piece_.across[other]];
     }
     in_reach_[in_reach_count_++] = {
         .radial = number, .first_term = first_term, .first_tile = 0, .end_tile = 0};
     for (unsigned power = 0; power <= radial.power_max; ++power) {
       double norms[2] = {};
       for (unsigned m = radial.monomials[power]; m < radial.monomials[power + 1]; ++m) {
-        const double product = std::fabs(products[plan_.monomials[m].across]);
+        const double product = products[plan_.monomials[m].across];
         norms[0] += product * plan_.monomials[m].norms[0];
         norms[1] += product * plan_.monomials[m].norms[1];
       }
@@ -127,7 +134,7 @@ class RowPass {
         const std::size_t at = std::size_t{power} * plan_.tile_room + piece_.first_tile + p * Real::lanes;
         Real peak = 0.0;
         for (unsigned t = 0; t < term_count; ++t) {
-          peak = peak + std::fabs(weights[t]) * Real::load(terms[t].peaks + at);
+          peak = peak + weights[t] * Real::load(terms[t].peaks + at);
         }
         peak.store(peaks + p * Real::lanes);
         shares[0][p] = shares[0][p] + norms[0] * peak;
@@ -199,12 +206,23 @@ class RowPass {
     }
   }
 
+  // Whether at any point there is enough to know anything.
+  bool is_in_sight() const {
+    double low = HUGE_VAL;
+    for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
+      for (const Real& totals : point_totals_[0][tile]) {
+        low = lower_of(low, lowest(totals));
+      }
+    }
+    return low < HUGE_VAL;
+  }
+
   void weigh_points_of(const RowUse& use, unsigned tile, Real (&totals)[2][TilePacks]) const {
     const RowRadial& radial = plan_.radials[use.radial];
     const std::size_t at = (std::size_t{piece_.first_tile} + tile) * tile_points;
     Real values[TilePacks] = {}, shares[2][TilePacks] = {};
     for (unsigned t = use.first_term; t < radial.term_count; ++t) {
-      const double weight = std::fabs(piece_.weights[radial.first_term + t]);
+      const double weight = piece_.weights[radial.first_term + t];
       const double* const along = plan_.terms[radial.first_term + t].along + at;
       for (unsigned p = 0; p < TilePacks; ++p) {
         values[p] = values[p] + weight * Real::load(along + p * Real::lanes);
@@ -296,6 +314,46 @@ class RowPass {
   }
   double* values_of(unsigned tile) const {
     return piece_.values + std::size_t{tile} * plan_.function_count * tile_points;
+  }
+
+  void evaluate_row(unsigned row) {
+    unsigned across[2] = {piece_.across[0], piece_.across[1]};
+    across[piece_.moving] += row;
+    fields_ = piece_.fields + row * piece_.row_stride;
+    tolerances_ = piece_.tolerances + row * piece_.row_stride;
+    multiply_factors(across);
+    evaluate_functions();
+    unsigned first_orbital = 0;
+    for (unsigned c = 0; c < plan_.chunk_count; ++c) {
+      collapse(plan_.chunks[c]);
+      evaluate_orbitals(plan_.chunks[c], first_orbital);
+      first_orbital += plan_.chunks[c].count;
+    }
+    if (plan_.field == FieldKind::density_and_potential) {
+      finish_density();
+    }
+  }
+
+  // What the radials in use need of the place of the row.
+  void multiply_factors(const unsigned (&across)[2]) const {
+    unsigned last = plan_.atom_count;
+    for (unsigned n = 0; n < in_reach_count_; ++n) {
+      const RowRadial& radial = plan_.radials[in_reach_[n].radial];
+      if (radial.atom != last) {
+        last = radial.atom;
+        const RowAtom& atom = plan_.atoms[last];
+        multiply_out(atom, atom.across[0][across[0]], atom.across[1][across[1]], products_of(last));
+      }
+      for (unsigned t = radial.first_term + in_reach_[n].first_term;
+           t < radial.first_term + radial.term_count; ++t) {
+        const RowTerm& term = plan_.terms[t];
+        piece_.weights[t] = term.weight * term.across[0][across[0]] * term.across[1][across[1]];
+      }
+    }
+  }
+
+  double* products_of(unsigned atom) const {
+    return piece_.products + std::size_t{atom} * row_powers * row_powers;
   }
 
   // The row functions of the radials in use. Most radials have few terms: with their number known when
@@ -441,11 +499,11 @@ class RowPass {
       const Real relative = bounds_[0][tile][p] / higher_of(values[p], 0.0 - values[p]);
       poorness_ = poorness_ + lower_of(relative, Real(poor));
       if (plan_.field == FieldKind::orbital) {
-        values[p].store(piece_.fields + at);
-        relative.store(piece_.tolerances + at);
+        values[p].store(fields_ + at);
+        relative.store(tolerances_ + at);
       } else {
-        eval_square(values[p]).store(piece_.fields + at);
-        rows_square_tolerance(relative).store(piece_.tolerances + at);
+        eval_square(values[p]).store(fields_ + at);
+        rows_square_tolerance(relative).store(tolerances_ + at);
       }
     }
   }
@@ -461,8 +519,8 @@ class RowPass {
       const bool is_alone = !(together.density < alone && together.potential < alone);
       for (unsigned p = 0; p < TilePacks; ++p) {
         const OccupiedSums<Real>& sums = sums_[tile][p];
-        double* const field = piece_.fields + std::size_t{tile} * tile_points + p * Real::lanes;
-        double* const relative = piece_.tolerances + (field - piece_.fields);
+        double* const field = fields_ + std::size_t{tile} * tile_points + p * Real::lanes;
+        double* const relative = tolerances_ + (field - fields_);
         eval_total(sums, plan_.is_restricted).store(field);
         eval_potential(sums, false).store(field + piece_.stride);
         Real(together.density).store(relative);
@@ -471,6 +529,7 @@ class RowPass {
           settle_alone(tile, p, relative);
         }
         poorness_ = poorness_ + lower_of(Real::load(relative), Real(poor));
+        sums_[tile][p] = {};
       }
     }
   }
@@ -506,7 +565,7 @@ class RowPass {
 
   // By points where tolerances are poor on an average; by tiles again where there they would not be.
   RowWeighing best_weighing() const {
-    double sum = 0.0, count = piece_.tile_count;
+    double sum = 0.0, count = piece_.tile_count * piece_.row_count;
     if (piece_.weighing == row_by_tiles) {
       double poorness[Real::lanes];
       poorness_.store(poorness);
@@ -538,6 +597,7 @@ class RowPass {
   double rounding_[piece_tiles], left_out_[2][piece_tiles];
   Real bounds_[2][piece_tiles][TilePacks], point_totals_[2][piece_tiles][TilePacks];
   Real poorness_ = 0.0;
+  double *fields_ = nullptr, *tolerances_ = nullptr;  // of the row at hand
   const RowPlan& plan_;
   const RowPiece& piece_;
   const RowBound& bound_;

@@ -36,8 +36,8 @@ struct RowMonomial {
 
 /// How the radials of a piece are weighed: by what they come to at most in each tile; or, where a tile spans
 /// many orders of magnitude or all is small, with more work, by what they come to at each point. Numbers that
-/// depend on it are in this order.
-enum RowWeighing : unsigned { row_by_tiles, row_by_points };
+/// depend on it are in this order. Of what is out of sight nothing can be known.
+enum RowWeighing : unsigned { row_by_tiles, row_by_points, row_out_of_sight };
 
 /// Of the bound, for each weighing; rows_bound.hpp explains them.
 struct RowBound {
@@ -87,14 +87,15 @@ struct RowUse {
   unsigned radial, first_term, first_tile, end_tile;
 };
 
-/// One unit of work.
+/// One unit of work: a piece of a row, or of neighbouring rows that are weighed together.
 struct RowPiece {
-  unsigned across[2];  // indices of the coordinates across
+  unsigned across[2];          // indices of the coordinates across
+  unsigned row_count, moving;  // the coordinate across whose index is one more from row to row
   unsigned first_tile, tile_count;
   RowWeighing weighing;
   // The fields of the plan and their relative tolerances, `stride` values apart.
   double *fields, *tolerances;
-  std::size_t stride;
+  std::size_t stride, row_stride;
   // Working memory, on 64-byte boundaries.
   double* weights;       // [term]: times the factors across
   double* products;      // [atom][first power][second power]: of the offsets across
@@ -113,7 +114,7 @@ struct RowKernel {
   unsigned lanes, tile_points;
   unsigned tile_orbitals;  // at most so many orbitals together
   unsigned piece_tiles;    // at most so many tiles in a piece
-  // Returns how the next piece thereabouts is weighed best.
+  // Returns how the next piece thereabouts is weighed best; where it is out of sight, there are no values.
   RowWeighing (*run)(const RowPlan& plan, const RowPiece& piece);
 };
 
