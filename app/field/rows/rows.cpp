@@ -32,18 +32,18 @@ RowSweep::RowSweep(std::unique_ptr<RowTables> tables, const RowKernel& kernel, c
       j_count_(cube->npoints[1]),
       together_max_(1) {
   const RowPlan& plan = tables_->plan;
-  piece_.stride = std::size_t{plan.tile_room} * kernel_.tile_points;
+  piece_.stride = (row_length_ + kernel_.tile_points + 7) / 8 * 8;
   const std::size_t field_count = plan.field == FieldKind::density_and_potential ? 2 : plan.orbital_count;
   piece_.row_stride = field_count * piece_.stride;
   // Of many fields the values of more rows are no longer in the cache when they are wanted, and weighing is
   // little of the work.
-  if (field_count <= 2 && row_length_ <= kernel_.piece_tiles * kernel_.tile_points) {
+  if (field_count <= 2 && plan.point_count <= kernel_.piece_tiles * kernel_.tile_points) {
     const double* const step = cube->vectors[1];
     const double length = std::max({std::fabs(step[0]), std::fabs(step[1]), std::fabs(step[2])});
     together_max_ = 1 + static_cast<unsigned>(std::min(together_most - 1.0, together_width / length));
   }
   fields_.resize(together_max_ * piece_.row_stride);
-  tolerances_.resize(fields_.size());
+  tolerances_.resize(fields_.size(), HUGE_VAL);  // which is what they stay out of sight
   lay_out();
 }
 
@@ -91,7 +91,7 @@ bool RowSweep::run(unsigned i, unsigned j) {
   }
   piece_.moving = tables_->index[0] == 1 ? 0 : 1;
   // Pieces of nearly equal length.
-  const unsigned tile_count = (row_length_ + kernel_.tile_points - 1) / kernel_.tile_points;
+  const unsigned tile_count = (tables_->plan.point_count + kernel_.tile_points - 1) / kernel_.tile_points;
   const unsigned piece_count = (tile_count + kernel_.piece_tiles - 1) / kernel_.piece_tiles;
   weighings_.resize(piece_count, row_by_tiles);
   piece_.row_count = weighings_[0] == row_by_tiles ? std::min(together_max_, j_count_ - j) : 1;
@@ -103,7 +103,7 @@ bool RowSweep::run(unsigned i, unsigned j) {
     RowPiece piece = piece_;
     piece.first_tile = start_of(p);
     piece.tile_count = start_of(p + 1) - piece.first_tile;
-    const std::size_t at = std::size_t{piece.first_tile} * kernel_.tile_points;
+    const std::size_t at = tables_->plan.first_point + std::size_t{piece.first_tile} * kernel_.tile_points;
     piece.fields = fields_.data() + at;
     piece.tolerances = tolerances_.data() + at;
     piece.weighing = weighings_[p];
@@ -111,7 +111,6 @@ bool RowSweep::run(unsigned i, unsigned j) {
     if (weighings_[p] == row_out_of_sight) {
       weighings_[p] = row_by_points;
       for (std::size_t f = 0; f < piece_.row_stride; f += piece_.stride) {
-        std::fill_n(piece.fields + f, piece.tile_count * kernel_.tile_points, 0.0);
         std::fill_n(piece.tolerances + f, piece.tile_count * kernel_.tile_points, HUGE_VAL);
       }
     } else {

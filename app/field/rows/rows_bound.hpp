@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cmath>
-#include <numbers>
 #include <span>
 #include <string_view>
 
@@ -147,7 +146,7 @@ inline constexpr double rows_negligible[] = {1e-26, 1e-120};  // by RowWeighing
 inline constexpr double rows_least = 1e-100;
 static_assert(rows_units(rows_roundings, RowCount::argument) * exponential_zero_limit * rows_unit <=
               rows_tail);
-static_assert(shell_max <= 2.0 * rows_argument_max[row_by_tiles]);
+static_assert(shell_max <= 2.0 * rows_argument_max[row_by_tiles] && rows_negligible[row_by_tiles] < 1e-3);
 
 /// What a term adds to the tail. magnitude(across, along): what it comes to at most, its exponential aside,
 /// where the offsets are at most so large.
@@ -173,19 +172,19 @@ double rows_tail_of(RowWeighing weighing, double exponent, Magnitude magnitude) 
 
 inline constexpr double rows_cut = 4.0, rows_cut_of_many = 0x1p-8;
 
-// 6. The reach. In rows from some distance across on, a term comes to less than rows_negligible at all
-// points. Along a row |d|^k exp(-α d²) is at most (k / (2eα))^(k/2), not above (l / (2eα))^(k/2) for the
-// highest angular momentum l, and 1 if k = 0. Across, it falls from d² = l / (2α) on.
+// 6. The reach. From some distance on, a term comes to less than rows_negligible: no offset is above r, and
+// r^l exp(-α r²) falls from r² = l / (2α) on. A piece leaves out the terms that are so far from all its
+// points.
 
 /// The square of that distance; infinite if there is none in sight.
 template <class Magnitude>
 double rows_reach(RowWeighing weighing, double exponent, Magnitude magnitude) {
-  const double along = std::sqrt(shell_max / (2.0 * std::numbers::e * exponent));
   const auto is_out = [&](double distance2) {
-    return std::exp(-exponent * distance2) * magnitude(std::sqrt(distance2), along) <=
-           rows_negligible[weighing];
+    const double distance = std::sqrt(distance2);
+    return std::exp(-exponent * distance2) * magnitude(distance, distance) <= rows_negligible[weighing];
   };
-  double distance2 = shell_max / exponent;
+  // Where the exponential alone does, few steps are left.
+  double distance2 = -std::log(rows_negligible[weighing]) / exponent;
   for (int step = 0; step < 50 && !is_out(distance2); ++step) {
     distance2 *= 1.1;
   }

@@ -14,6 +14,14 @@ namespace {
 // often.
 constexpr unsigned chunk_orbitals = 96;
 
+double power_of(double base, unsigned exponent) {
+  double power = 1.0;
+  for (unsigned i = 0; i < exponent; ++i) {
+    power *= base;
+  }
+  return power;
+}
+
 // Keeps the products of norms and their factors within the range of doubles, with room for what underflows.
 constexpr double norm_square_min = 1e-280;
 
@@ -140,6 +148,10 @@ class OrbitalBuilder {
         }
       }
       std::ranges::sort(terms, {}, [](const RowTerm& term) { return term.reach[row_by_points]; });
+      for (unsigned t = 1; t < radial.term_count; ++t) {
+        terms[t].reach[row_by_tiles] =
+            std::max(terms[t].reach[row_by_tiles], terms[t - 1].reach[row_by_tiles]);
+      }
     }
   }
 
@@ -151,8 +163,8 @@ class OrbitalBuilder {
       for (unsigned m = radial.monomials[power]; m < radial.monomials[power + 1]; ++m) {
         const RowMonomial& monomial = tables_.monomials[m];
         sum += monomial.norms[norm] *
-               std::pow(across, monomial.across / row_powers + monomial.across % row_powers) *
-               std::pow(along, power);
+               power_of(across, monomial.across / row_powers + monomial.across % row_powers) *
+               power_of(along, power);
       }
     }
     return std::fabs(term.weight) * sum;

@@ -50,7 +50,10 @@ class RowPass {
   void weigh() {
     for (unsigned a = 0; a < plan_.atom_count; ++a) {
       const RowAtom& atom = plan_.atoms[a];
-      double near2 = 0.0, far[2];
+      const double* const along = atom.along + std::size_t{piece_.first_tile} * tile_points;
+      const double start = along[0], end = along[std::size_t{piece_.tile_count} * tile_points - 1];
+      const double near_along = start * end > 0.0 ? lower_of(std::fabs(start), std::fabs(end)) : 0.0;
+      double near2 = near_along * near_along, far[2];
       for (unsigned c = 0; c < 2; ++c) {
         double near = HUGE_VAL;
         far[c] = 0.0;
@@ -66,13 +69,15 @@ class RowPass {
       for (unsigned r = atom.first_radial; r < atom.first_radial + atom.radial_count; ++r) {
         const RowRadial& radial = plan_.radials[r];
         const RowTerm* const terms = plan_.terms + radial.first_term;
+        const auto is_out = [&](unsigned t) { return terms[t].reach[piece_.weighing] < near2; };
+        if (is_out(radial.term_count - 1)) {
+          continue;
+        }
         unsigned out_of_reach = 0;
-        while (out_of_reach < radial.term_count && terms[out_of_reach].reach[piece_.weighing] < near2) {
+        while (is_out(out_of_reach)) {
           ++out_of_reach;
         }
-        if (out_of_reach < radial.term_count) {
-          weigh_radial(r, out_of_reach, products);
-        }
+        weigh_radial(r, out_of_reach, products);
       }
     }
   }

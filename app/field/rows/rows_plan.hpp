@@ -23,7 +23,7 @@ inline constexpr unsigned row_powers = shell_max + 1;  // from 0 on
 struct RowTerm {
   double exponent;          // bohr^-2
   double weight;            // contraction coefficient times normalization constant
-  double reach[2];          // bohr²: from this square of the distance across on, it adds next to nothing
+  double reach[2];          // bohr²: from this square of the distance on, it adds next to nothing
   const double* across[2];  // factors, by the index of the coordinate
   const double* along;      // factors, by the point of the row
   const double* peaks;      // [power][tile]: the largest |d|^power · factor of a tile
@@ -44,7 +44,7 @@ struct RowBound {
   double rounding, tail[2], cut;
 };
 
-/// Terms are in the order of their reach by points.
+/// Terms are in the order of their reach, either way.
 struct RowRadial {
   unsigned atom, term_count, first_term, power_max;
   unsigned basis_count;                // basis functions that are multiples of it
@@ -72,8 +72,9 @@ struct RowPlan {
   FieldKind field;
   bool is_restricted, has_energies;  // of the density, and that not all are 0
   unsigned atom_count, radial_count, function_count, chunk_count, orbital_count;
-  unsigned tile_room;  // tiles of a row, rounded up to whole pieces
-  unsigned stride;     // of orbitals in a chunk
+  unsigned first_point, point_count;  // what of a row may be in sight; tiles start there
+  unsigned tile_room;                 // tiles of that, rounded up to whole pieces
+  unsigned stride;                    // of orbitals in a chunk
   const RowAtom* atoms;
   const RowRadial* radials;
   const RowTerm* terms;
