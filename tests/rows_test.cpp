@@ -168,6 +168,26 @@ TEST(Rows, KeepWithinTheirTolerance) {
   EXPECT_GT(found.known, 5 * found.unknown);
 }
 
+// Where neighbouring points differ by many orders of magnitude, all is known but the first rows, which are
+// weighed as if they did not, and what is below rows_least.
+TEST(Rows, KnowWhatIsFarApartAndFarOut) {
+  std::mt19937_64 random(14);
+  const CubeDefinition cube = {{5, 9, 26}, {{-9, 3, -13}}, {{1.1, 0, 0}, {0, 0.8, 0}, {0, 0, 1.03}}};
+  for (const SmallFchk& fields : {SmallFchk{}, strained(random)}) {
+    const auto molecule = read_text(fcheck_read, fchk_text(fields));
+    const Orbitals two = {&molecule->alpha_orbitals[1], &molecule->alpha_orbitals[3]};
+    with_every_kernel([&](const char*) {
+      Found found;
+      expect_within_tolerance(*molecule, cube, FieldKind::density_and_potential,
+                              occupation_of(molecule.get()).orbitals, &found);
+      expect_within_tolerance(*molecule, cube, FieldKind::orbital, two, &found);
+      expect_within_tolerance(*molecule, cube, FieldKind::orbital_density, {molecule->alpha_orbitals},
+                              &found);
+      EXPECT_GT(found.known, 9 * found.unknown);
+    });
+  }
+}
+
 // Many functions, each too small to be kept, which together are more than all rounding, in an orbital that
 // counts for the potential only.
 TEST(Rows, CountWhatTheyLeaveOutOfThePotential) {

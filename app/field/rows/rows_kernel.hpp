@@ -170,7 +170,7 @@ class RowPass {
       for (unsigned n = in_reach_count_; n-- > 0;) {
         const unsigned radial = in_reach_[n].radial;
         double* const shares[2] = {shares_of(radial, 0) + tile, shares_of(radial, 1) + tile};
-        if (*shares[0] <= bound_.cut * low[0]) {
+        if (*shares[0] < bound_.cut * low[0]) {
           *shares[0] /= low[0];
           *shares[1] /= low[1];
           continue;
