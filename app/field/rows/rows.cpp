@@ -35,9 +35,10 @@ RowSweep::RowSweep(std::unique_ptr<RowTables> tables, const RowKernel& kernel, c
   piece_.stride = (row_length_ + kernel_.tile_points + 7) / 8 * 8;
   const std::size_t field_count = plan.field == FieldKind::density_and_potential ? 2 : plan.orbital_count;
   piece_.row_stride = field_count * piece_.stride;
-  // Of many fields the values of more rows are no longer in the cache when they are wanted, and weighing is
-  // little of the work.
-  if (field_count <= 2 && plan.point_count <= kernel_.piece_tiles * kernel_.tile_points) {
+  // Of many fields the values of more rows are no longer in the cache when they are wanted. Of many orbitals
+  // a point in doubt, of which there are more, costs more than weighing.
+  if (field_count <= 2 && plan.chunk_count == 1 &&
+      plan.point_count <= kernel_.piece_tiles * kernel_.tile_points) {
     const double* const step = cube->vectors[1];
     const double length = std::max({std::fabs(step[0]), std::fabs(step[1]), std::fabs(step[2])});
     together_max_ = 1 + static_cast<unsigned>(std::min(together_most - 1.0, together_width / length));
