@@ -5,7 +5,7 @@ include(CMakePackageConfigHelpers)
 
 # The program, its companions, what they say about themselves.
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME program)
-install(TARGETS orva RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS orva orva-surface RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(PROGRAMS tools/orva-grid tools/orva-view DESTINATION ${CMAKE_INSTALL_BINDIR})
 foreach(page orva.1 orva-grid.1 orva-view.1 orva.conf.5)
   configure_file(doc/${page} doc/${page} @ONLY)

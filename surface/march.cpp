@@ -121,8 +121,12 @@ class Marcher {
       cut_layer(i);
       start_cuts(*lattice_, &planes_, std::span(march_.cuts).subspan(started_));
       started_ = march_.cuts.size();
+      for (const std::size_t place : numbered_[0]) {
+        numbers_[0][place] = no_cut;
+      }
+      numbered_[0].clear();
       std::swap(numbers_[0], numbers_[1]);
-      std::ranges::fill(numbers_[1], no_cut);
+      std::swap(numbered_[0], numbered_[1]);
       progress->show(0.3 * i / count_[0]);
     }
     march_.end = end;
@@ -216,12 +220,14 @@ class Marcher {
 
   unsigned cut_number(unsigned i, unsigned j, unsigned k, Edge edge) {
     const unsigned direction = edge.from ^ edge.to;
-    unsigned& number = numbers_[edge.from >> 2][at(j, k, edge.from) * directions + direction];
+    const std::size_t place = at(j, k, edge.from) * directions + direction;
+    unsigned& number = numbers_[edge.from >> 2][place];
     if (number == no_cut) {
       if (march_.cuts.size() == cuts_max) {
         msg_fatal("the surface does not fit into the memory: take a larger step");
       }
       number = static_cast<unsigned>(march_.cuts.size());
+      numbered_[edge.from >> 2].push_back(place);
       march_.cuts.push_back({{i + (edge.from >> 2), j + (edge.from >> 1 & 1), k + (edge.from & 1)},
                              static_cast<unsigned char>(direction),
                              {},
@@ -238,7 +244,8 @@ class Marcher {
   double level_;
   const unsigned* count_;
   Planes planes_;
-  std::array<std::vector<unsigned>, 2> numbers_;  // of the cuts from a point of two planes, by direction
+  std::array<std::vector<unsigned>, 2> numbers_;      // of the cuts from a point of two planes, by direction
+  std::array<std::vector<std::size_t>, 2> numbered_;  // where
   std::vector<Nucleus> nuclei_;
   March march_{};
   std::size_t started_ = 0;
@@ -248,6 +255,7 @@ class Marcher {
 void sort_cuts(double step, March* march) {
   const auto block = static_cast<std::uint64_t>(std::max(1.0, std::floor(neighbourhood / step + 0.5)));
   std::vector<std::uint64_t> keys;
+  keys.reserve(march->cuts.size());
   for (const Cut& cut : march->cuts) {
     keys.push_back(cut.from[0] / block << 42 | cut.from[1] / block << 21 | cut.from[2] / block);
   }

@@ -10,54 +10,62 @@
 
 namespace {
 
-constexpr double log_tolerance = 0.99e-5;
+// From there the last step, by a slope that is known to a hundredth, leads to within 10^-5.
+constexpr double log_tolerance = 1e-4;
 // Where the root is a point of the lattice, the facets around it would have no area.
 constexpr double part_min = 1e-6;
 constexpr unsigned secant_rounds = 8, rounds_max = 60;
-constexpr std::size_t batch = 8192;  // points; progress is shown between two
+constexpr std::size_t batch = 1024;  // points; progress is shown between two
 constexpr double shift_max = 0.25;   // of an edge's length, for what puts its middle on the surface
 
-struct Values {
-  std::vector<double> all;
-  double density(std::size_t n) const { return all[n]; }
-  double potential(std::size_t n) const { return all[all.size() / 2 + n]; }
-};
-
-// Exact values at many points, with progress between two parts of the whole work.
-void evaluate(const std::vector<Point>& points, Fields* fields, Values* values, Progress* progress,
-              double begin, double end) {
-  values->all.resize(2 * points.size());
-  std::vector<double> part;
-  for (std::size_t first = 0; first < points.size(); first += batch) {
-    const std::size_t count = std::min(batch, points.size() - first);
-    part.resize(2 * count);
-    fields->at(std::span(points).subspan(first, count), part);
-    const auto to = values->all.begin() + static_cast<std::ptrdiff_t>(first);
-    const auto middle = part.begin() + static_cast<std::ptrdiff_t>(count);
-    std::copy(part.begin(), middle, to);
-    std::copy(middle, part.end(), to + static_cast<std::ptrdiff_t>(points.size()));
-    progress->show(begin + (end - begin) * static_cast<double>(first) / static_cast<double>(points.size()));
+// Exact values at points that are made and used in batches: place(n) gives the n-th of them, use(n, point,
+// density, potential) gets what is there. Shows progress between two parts of the whole work.
+template <class Place, class Use>
+void for_points(std::size_t count, Fields* fields, Progress* progress, double begin, double end, Place place,
+                Use use) {
+  std::vector<Point> points;
+  std::vector<double> values(2 * std::min(batch, count));
+  points.reserve(std::min(batch, count));
+  for (std::size_t first = 0; first < count; first += batch) {
+    const std::size_t size = std::min(batch, count - first);
+    points.clear();
+    for (std::size_t n = 0; n < size; ++n) {
+      points.push_back(place(first + n));
+    }
+    fields->at(points, std::span(values).first(2 * size));
+    for (std::size_t n = 0; n < size; ++n) {
+      use(first + n, points[n], values[n], values[size + n]);
+    }
+    progress->show(begin + (end - begin) * static_cast<double>(first + size) / static_cast<double>(count));
   }
 }
 
 // A root of the density's logarithm along an edge, in brackets.
 struct Search {
-  double low = 0.0, high = 1.0;  // where the logarithm has the signs of the edge's ends
-  double at, slope;
-  double last_at = -1.0, last_log = 0.0;
+  explicit Search(const Cut& cut)
+      : at(std::clamp(cut.start, part_min, 1.0 - part_min)),
+        log_slope(cut.log_slope),
+        potential_slope(cut.potential_slope) {}
 
-  // The next place, from the logarithm at the last one.
-  void step(double log, bool rises, unsigned round) {
+  // Goes to the next place, from the values at the last one, and returns how far that is.
+  double step(double log, double potential, bool rises, unsigned round) {
     ((log > 0.0) == rises ? high : low) = at;
-    if (last_at >= 0.0 && at != last_at && log != last_log) {
-      slope = (log - last_log) / (at - last_at);
+    if (round > 0 && at != last_at && log != last_log) {
+      log_slope = (log - last_log) / (at - last_at);
+      potential_slope = (potential - last_potential) / (at - last_at);
     }
     last_at = at;
     last_log = log;
-    const double next = at - log / slope;
+    last_potential = potential;
+    const double next = at - log / log_slope;
     at = next > low && next < high && round < secant_rounds ? next : 0.5 * (low + high);
     at = std::clamp(at, part_min, 1.0 - part_min);
+    return at - last_at;
   }
+
+  double low = 0.0, high = 1.0;  // where the logarithm has the signs of the edge's ends
+  double at, log_slope, potential_slope;
+  double last_at = 0.0, last_log = 0.0, last_potential = 0.0;
 };
 
 class Maker {
@@ -84,39 +92,37 @@ class Maker {
     Mesh& mesh = meshes_.coarse;
     mesh.points.resize(cuts_.size());
     mesh.potential.resize(cuts_.size());
-    std::vector<Search> searches;
-    for (const Cut& cut : cuts_) {
-      searches.push_back({.at = std::clamp(cut.start, part_min, 1.0 - part_min), .slope = cut.log_slope});
-    }
+    std::vector<Search> searches(cuts_.begin(), cuts_.end());
     std::vector<unsigned> active(cuts_.size()), left;
     std::iota(active.begin(), active.end(), 0U);
-    std::vector<Point> points;
-    Values values;
     for (unsigned round = 0; !active.empty(); ++round) {
       if (round == rounds_max) {
         msg_fatal("the density jumps over its level");
       }
-      points.clear();
-      for (const unsigned n : active) {
-        points.push_back(origins_[n] + searches[n].at * edges_[cuts_[n].direction]);
-      }
-      evaluate(points, fields_, &values, progress_, 0.3 + 0.15 * std::min(round, 1U),
-               0.45 + 0.05 * std::min(round, 1U));
       left.clear();
-      for (std::size_t p = 0; p < active.size(); ++p) {
+      const auto place = [&](std::size_t p) {
         const unsigned n = active[p];
-        const double log = log_near_one(values.density(p) / level_);
-        mesh.points[n] = points[p];
-        mesh.potential[n] = values.potential(p);
-        if (!(std::fabs(log) <= log_tolerance)) {
-          searches[n].step(log, cuts_[n].ends[1] > 0.0, round);
-          left.push_back(n);
-        }
-      }
+        return origins_[n] + searches[n].at * edges_[cuts_[n].direction];
+      };
+      const double begin = round == 0 ? 0.3 : 0.4;
+      for_points(active.size(), fields_, progress_, begin, begin + 0.1, place,
+                 [&](std::size_t p, const Point& point, double density, double potential) {
+                   const unsigned n = active[p];
+                   const double log = log_near_one(density / level_);
+                   Search& search = searches[n];
+                   const double step = search.step(log, potential, cuts_[n].ends[1] > 0.0, round);
+                   if (std::fabs(log) <= log_tolerance) {
+                     mesh.points[n] = point + step * edges_[cuts_[n].direction];
+                     mesh.potential[n] = potential + step * search.potential_slope;
+                   } else {
+                     left.push_back(n);
+                   }
+                 });
       std::swap(active, left);
     }
     for (std::size_t n = 0; n < cuts_.size(); ++n) {
-      cuts_[n].log_slope = searches[n].slope;
+      cuts_[n].log_slope = searches[n].log_slope;
+      cuts_[n].potential_slope = searches[n].potential_slope;
     }
   }
 
@@ -153,9 +159,9 @@ class Maker {
     };
     for_each_edge([&](unsigned a, unsigned) { ++first_edge_[a + 1]; });
     std::partial_sum(first_edge_.begin(), first_edge_.end(), first_edge_.begin());
-    edge_ends_.resize(first_edge_.back());
+    meshes_.middles.resize(first_edge_.back());
     std::vector<unsigned> next(first_edge_.begin(), first_edge_.end() - 1);
-    for_each_edge([&](unsigned a, unsigned b) { edge_ends_[next[a]++] = {a, b}; });
+    for_each_edge([&](unsigned a, unsigned b) { meshes_.middles[next[a]++] = {a, b}; });
   }
 
   unsigned edge_number(unsigned a, unsigned b) const {
@@ -163,7 +169,7 @@ class Maker {
       std::swap(a, b);
     }
     unsigned n = first_edge_[a];
-    while (edge_ends_[n][1] != b) {
+    while (meshes_.middles[n][1] != b) {
       ++n;
     }
     return n;
@@ -174,6 +180,8 @@ class Maker {
     Mesh& fine = meshes_.fine;
     find_normals();
     number_edges();
+    fine.points.reserve(coarse.points.size() + meshes_.middles.size());
+    fine.potential.reserve(coarse.points.size() + meshes_.middles.size());
     fine.points = coarse.points;
     fine.potential = coarse.potential;
     put_middles(&fine);
@@ -190,32 +198,38 @@ class Maker {
   // there a step leads on, by what the edges of the lattice tell of the gradient.
   void put_middles(Mesh* fine) {
     const Mesh& mesh = meshes_.coarse;
-    std::vector<Point> points, ways;
-    for (const auto& [a, b] : edge_ends_) {
-      const Point edge = mesh.points[b] - mesh.points[a], way = unit(normals_[a] + normals_[b], normals_[a]);
+    // Between two normals; of length 1 but for the fourth power of their angle.
+    const auto way_of = [&](std::size_t n) {
+      const auto& [a, b] = meshes_.middles[n];
+      const Point middle = 0.5 * (normals_[a] + normals_[b]);
+      return (1.5 - 0.5 * dot(middle, middle)) * middle;
+    };
+    const auto place = [&](std::size_t n) {
+      const auto& [a, b] = meshes_.middles[n];
+      const Point edge = mesh.points[b] - mesh.points[a];
       const double bulge = dot(edge, normals_[b] - normals_[a]) / 8.0, most = shift_max * length(edge);
-      points.push_back(0.5 * (mesh.points[a] + mesh.points[b]) + std::clamp(bulge, -most, most) * way);
-      ways.push_back(way);
-    }
-    Values values;
-    evaluate(points, fields_, &values, progress_, 0.5, 0.9);
-    for (std::size_t n = 0; n < points.size(); ++n) {
-      const auto& [a, b] = edge_ends_[n];
-      const Cut &first = cuts_[a], &second = cuts_[b];
-      const double slopes = std::fabs(first.log_slope) + std::fabs(second.log_slope);
-      const double outward = std::fabs(dot(edges_[first.direction], normals_[a])) +
-                             std::fabs(dot(edges_[second.direction], normals_[b]));
-      const double log = log_near_one(values.density(n) / level_),
-                   most = shift_max * distance(mesh.points[a], mesh.points[b]);
-      const double shift = slopes > 0.0 ? std::clamp(log * outward / slopes, -most, most) : 0.0;
-      const double per_log =
-          slopes > 0.0
-              ? (sign(first) * first.potential_slope + sign(second) * second.potential_slope) / slopes
-              : 0.0;
-      points[n] = points[n] + shift * ways[n];
-      fine->points.push_back(points[n]);
-      fine->potential.push_back(values.potential(n) - log * per_log);
-    }
+      return 0.5 * (mesh.points[a] + mesh.points[b]) + std::clamp(bulge, -most, most) * way_of(n);
+    };
+    for_points(meshes_.middles.size(), fields_, progress_, 0.5, 0.9, place,
+               [&](std::size_t n, const Point& point, double density, double potential) {
+                 const auto& [a, b] = meshes_.middles[n];
+                 const Cut &first = cuts_[a], &second = cuts_[b];
+                 const double log = log_near_one(density / level_),
+                              most = shift_max * distance(mesh.points[a], mesh.points[b]);
+                 const double slopes = std::fabs(first.log_slope) + std::fabs(second.log_slope);
+                 const double outward = std::fabs(dot(edges_[first.direction], normals_[a])) +
+                                        std::fabs(dot(edges_[second.direction], normals_[b]));
+                 if (!(slopes > 0.0)) {
+                   fine->points.push_back(point);
+                   fine->potential.push_back(potential);
+                   return;
+                 }
+                 const double shift = std::clamp(log * outward / slopes, -most, most);
+                 const double per_log =
+                     (sign(first) * first.potential_slope + sign(second) * second.potential_slope) / slopes;
+                 fine->points.push_back(point + shift * way_of(n));
+                 fine->potential.push_back(potential - log * per_log);
+               });
   }
 
   static double sign(const Cut& cut) { return cut.log_slope > 0.0 ? 1.0 : -1.0; }
@@ -228,7 +242,6 @@ class Maker {
   Point edges_[8];
   std::vector<Point> normals_;
   std::vector<unsigned> first_edge_;
-  std::vector<std::array<unsigned, 2>> edge_ends_;
   Meshes meshes_;
 };
 

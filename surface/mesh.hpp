@@ -19,6 +19,8 @@ struct Mesh {
 /// surface. Its first points are those of the coarse mesh.
 struct Meshes {
   Mesh coarse, fine;
+  std::vector<std::array<unsigned, 2>>
+      middles;  // the ends of the edges in whose middles the other points are
 };
 
 /// Moves each cut along its edge until the density is within 10^-5 of the level, relatively, then makes the

@@ -1,4 +1,7 @@
+#include "surface/owners.hpp"
+
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <set>
@@ -6,7 +9,6 @@
 #include "app/model/units.hpp"
 #include "lib/atom.hpp"
 #include "lib/message.hpp"
-#include "surface/shares.hpp"
 #include "surface/vectors.hpp"
 
 namespace {
@@ -81,7 +83,7 @@ std::vector<unsigned> Owners::of(std::span<const Point> points) const {
   return owners;
 }
 
-std::vector<double> shares_radii(const Molecule* molecule) {
+std::vector<double> owners_radii(const Molecule* molecule) {
   std::vector<double> radii;
   std::set<unsigned> told;
   for (const Atom& atom : std::span(molecule->atoms, molecule->atom_count)) {

@@ -10,8 +10,6 @@ namespace {
 // Start values need no more, and rows that are less vague than this by far leave few of them in doubt.
 constexpr double log_quanta = 4096.0, potential_quanta = 65536.0;  // in 1, in a hartree
 
-constexpr double is_exact = -1.0, is_wanted = -2.0;  // in the place of a tolerance
-
 // The tolerance of a row bounds how far an exact value is from it; that and the rounding of what is computed
 // from both.
 constexpr double margin = 1.01, rounding = 1e-13;
@@ -29,6 +27,8 @@ Planes::Planes(const Lattice* lattice, Fields* fields, double level)
   const std::size_t size = std::size_t{lattice->cube.npoints[1]} * lattice->cube.npoints[2];
   for (Held& plane : held_) {
     plane.is_inside.resize(size);
+    plane.states.resize(size);
+    plane.rounded.resize(size);
     for (unsigned field = 0; field < 2; ++field) {
       plane.values[field].resize(size);
       plane.tolerances[field].resize(size);
@@ -38,6 +38,7 @@ Planes::Planes(const Lattice* lattice, Fields* fields, double level)
 
 bool Planes::fill(unsigned i) {
   const unsigned length = lattice_->cube.npoints[2];
+  std::ranges::fill(held(i).states, State::as_it_came);
   bool is_closed_row = true;
   for (unsigned j = 0; j < lattice_->cube.npoints[1]; ++j) {
     if (lattice_->has_row(i, j)) {
@@ -45,7 +46,6 @@ bool Planes::fill(unsigned i) {
     } else {
       const auto first = static_cast<std::ptrdiff_t>(std::size_t{j} * length);
       std::fill_n(held(i).is_inside.begin() + first, length, 0);
-      std::fill_n(held(i).values[0].begin() + first, length, 0.0);
     }
   }
   return is_closed_row;
@@ -78,7 +78,7 @@ bool Planes::fill_row(unsigned i, unsigned j) {
     plane.is_inside[first + k] = is_inside;
     is_any_inside = is_any_inside || is_inside;
     if (!has_tolerances || in_doubt_[k] != 0) {
-      plane.tolerances[0][first + k] = plane.tolerances[1][first + k] = is_exact;
+      plane.tolerances[0][first + k] = plane.tolerances[1][first + k] = 0.0;
     }
   }
   if (!is_any_inside) {
@@ -93,28 +93,45 @@ bool Planes::fill_row(unsigned i, unsigned j) {
   return is_closed;
 }
 
+RoundedValues Planes::rounded_values(PlanePoint point) const {
+  const Held& plane = held(point.plane);
+  return {rounded(log_near_one(plane.values[0][point.at] / level_), log_quanta),
+          rounded(plane.values[1][point.at], potential_quanta)};
+}
+
+// Whether the exact values may be rounded to others.
 bool Planes::is_in_doubt(PlanePoint point) const {
   const Held& plane = held(point.plane);
-  const double density = plane.tolerances[0][point.at], potential = plane.tolerances[1][point.at];
-  if (density < 0.0) {
-    return false;
+  const double density = plane.tolerances[0][point.at], potential = plane.values[1][point.at];
+  if (density == 0.0) {
+    return false;  // exact
   }
   return !(density < 0.01) ||
          is_rounding_in_doubt(log_near_one(plane.values[0][point.at] / level_), margin * density + rounding,
                               log_quanta) ||
-         is_rounding_in_doubt(plane.values[1][point.at],
-                              margin * potential * std::fabs(plane.values[1][point.at]) + rounding,
+         is_rounding_in_doubt(potential,
+                              margin * plane.tolerances[1][point.at] * std::fabs(potential) + rounding,
                               potential_quanta);
 }
 
 void Planes::want(PlanePoint point) {
-  if (is_in_doubt(point)) {
-    held(point.plane).tolerances[0][point.at] = is_wanted;
+  Held& plane = held(point.plane);
+  State& state = plane.states[point.at];
+  if (state != State::as_it_came) {
+    return;
+  }
+  state = is_in_doubt(point) ? State::wanted : State::known;
+  if (state == State::wanted) {
     wanted_.push_back(point);
+  } else {
+    plane.rounded[point.at] = rounded_values(point);
   }
 }
 
 void Planes::settle() {
+  if (wanted_.empty()) {
+    return;
+  }
   const unsigned length = lattice_->cube.npoints[2];
   points_.clear();
   for (const PlanePoint& point : wanted_) {
@@ -127,14 +144,9 @@ void Planes::settle() {
     Held& plane = held(wanted_[n].plane);
     for (unsigned field = 0; field < 2; ++field) {
       plane.values[field][wanted_[n].at] = exact_[field * points_.size() + n];
-      plane.tolerances[field][wanted_[n].at] = is_exact;
     }
+    plane.states[wanted_[n].at] = State::known;
+    plane.rounded[wanted_[n].at] = rounded_values(wanted_[n]);
   }
   wanted_.clear();
-}
-
-RoundedValues Planes::get(PlanePoint point) const {
-  const Held& plane = held(point.plane);
-  return {rounded(log_near_one(plane.values[0][point.at] / level_), log_quanta),
-          rounded(plane.values[1][point.at], potential_quanta)};
 }

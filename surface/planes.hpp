@@ -39,17 +39,20 @@ class Planes {
   /// potential is NaN where there is no density.
   void want(PlanePoint point);
   void settle();
-  RoundedValues get(PlanePoint point) const;
+  const RoundedValues& get(PlanePoint point) const { return held(point.plane).rounded[point.at]; }
 
  private:
+  enum class State : unsigned char { as_it_came, wanted, known };
   struct Held {
     std::vector<unsigned char> is_inside;
-    std::array<std::vector<double>, 2> values, tolerances;  // relative; -1: exact; -2: to be settled
+    std::array<std::vector<double>, 2> values, tolerances;  // relative
+    std::vector<State> states;
+    std::vector<RoundedValues> rounded;  // where they are known
   };
   const Held& held(unsigned plane) const { return held_[plane % held_.size()]; }
   Held& held(unsigned plane) { return held_[plane % held_.size()]; }
   bool fill_row(unsigned i, unsigned j);
-  bool is_closed(unsigned i) const;
+  RoundedValues rounded_values(PlanePoint point) const;
   bool is_in_doubt(PlanePoint point) const;
 
   const Lattice* lattice_;

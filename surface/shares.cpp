@@ -103,7 +103,7 @@ class Adder {
   Adder(const Meshes& meshes, const Owners& owners, unsigned atom_count)
       : owners_(owners), reference_(meshes.coarse.potential[0]), origin_(meshes.coarse.points[0]) {
     shares_.atoms.resize(atom_count);
-    owner_of_ = owners.of(meshes.fine.points);
+    find_owners(meshes);
     piece_of_ = pieces_of(meshes.coarse, &piece_count_);
     for (std::size_t n = 0; n < meshes.fine.points.size(); ++n) {
       shares_.range.take(meshes.fine.potential[n]);
@@ -122,6 +122,25 @@ class Adder {
   Shares take() { return std::move(shares_); }
 
  private:
+  // The middle of an edge is nearly always with the ends if these are together.
+  void find_owners(const Meshes& meshes) {
+    owner_of_ = owners_.of(meshes.coarse.points);
+    std::vector<std::size_t> between;
+    std::vector<Point> places;
+    owner_of_.reserve(meshes.fine.points.size());
+    for (const auto& [a, b] : meshes.middles) {
+      if (owner_of_[a] != owner_of_[b]) {
+        between.push_back(owner_of_.size());
+        places.push_back(meshes.fine.points[owner_of_.size()]);
+      }
+      owner_of_.push_back(owner_of_[a]);
+    }
+    const std::vector<unsigned> owners = owners_.of(places);
+    for (std::size_t n = 0; n < between.size(); ++n) {
+      owner_of_[between[n]] = owners[n];
+    }
+  }
+
   static double extrapolated(double coarse, double fine) { return (4.0 * fine - coarse) / 3.0; }
 
   Statistics statistics(const Integrals& coarse, const Integrals& fine) const {

@@ -1,19 +1,12 @@
 #pragma once
 
 #include <limits>
-#include <span>
 #include <vector>
 
-#include "app/model/memory.hpp"
 #include "surface/mesh.hpp"
+#include "surface/owners.hpp"
 
 // Areas, volumes and means over the surface, its pieces and its atoms' shares.
-
-/// How the surface is shared among the atoms.
-enum class Partition {
-  radii,   // to the atom with the largest 1 - |r - R| / radius
-  nearest  // to the nearest nucleus
-};
 
 /// Integrals over a part of a mesh: of 1, and of the potential's difference to a reference value and its
 /// square.
@@ -54,25 +47,5 @@ struct Shares {
   std::vector<Share> atoms;
 };
 
-/// Owners of places on the surface.
-class Owners {
- public:
-  /// The molecule must stay. `radii`: of each atom, bohr; none for the nearest nucleus.
-  Owners(const Molecule* molecule, std::vector<double> radii);
-
-  /// Owners of points, most quickly where neighbours are in runs. Of equals the first atom.
-  std::vector<unsigned> of(std::span<const Point> points) const;
-
-  /// What is largest for the owner of a place.
-  double weight(const Point& place, unsigned atom) const;
-
- private:
-  std::vector<Point> places_;
-  std::vector<double> radii_;
-};
-
 /// Adds up both meshes and extrapolates to facets without size, as errors go with their size squared.
 Shares shares_of(const Meshes& meshes, const Owners& owners, unsigned atom_count);
-
-/// Bondi's van der Waals radii of the atoms, bohr. Those without one are told.
-std::vector<double> shares_radii(const Molecule* molecule);

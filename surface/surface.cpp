@@ -43,10 +43,8 @@ struct Attempt {
 
 }  // namespace
 
-Surface surface_of(const Molecule* molecule, const SurfaceSettings& settings) {
+Surface surface_of(const Molecule* molecule, const SurfaceSettings& settings, const Owners& owners) {
   Progress progress;
-  const Owners owners(
-      molecule, settings.partition == Partition::radii ? shares_radii(molecule) : std::vector<double>{});
   double step = settings.step, reach = lattice_first_reach(settings.level);
   for (unsigned halvings = 0;;) {
     Attempt attempt(molecule, step, reach);

@@ -8,7 +8,6 @@
 struct SurfaceSettings {
   double level = 0.001;  // bohr^-3
   double step = 0.5;     // bohr, of the lattice
-  Partition partition = Partition::radii;
 };
 
 struct Surface {
@@ -20,4 +19,4 @@ struct Surface {
 
 /// Computes all of it, and shows its progress. Ends the run with one line where the density nowhere reaches
 /// the level, or the surface does not close.
-Surface surface_of(const Molecule* molecule, const SurfaceSettings& settings);
+Surface surface_of(const Molecule* molecule, const SurfaceSettings& settings, const Owners& owners);
