@@ -13,11 +13,11 @@ namespace {
 constexpr double difference = 0.01;       // bohr, for derivatives from differences
 constexpr double curvature_min = 1e-5;    // hartree/bohr^2, of what is not flat
 constexpr double curvature_floor = 1e-4;  // hartree/bohr^2, by which a step is divided at least
-constexpr double step_max = 0.15;         // bohr
+constexpr double first_step_max = 0.15, step_max = 0.6;  // bohr; doubled while it goes well
 constexpr double step_end = 1e-6, log_end = 1e-6, tilt_end = 1e-3;
 constexpr double push = 0.05;        // bohr, off a saddle point that symmetry leads to
 constexpr double same_place = 0.05;  // bohr
-constexpr unsigned rounds_max = 40, pushes_max = 2;
+constexpr unsigned rounds_max = 60, pushes_max = 2;
 
 // Points around a place, in a frame along and across the surface.
 constexpr std::size_t stencil_size = 9;
@@ -75,7 +75,7 @@ struct Walker {
   Frame frame;
   double value = 0.0;  // on the surface beside it
   Point last_place{}, last_step{};
-  double last_height = INFINITY;
+  double last_height = INFINITY, longest = first_step_max;
   unsigned pushes = 0;
   std::array<double, 2> curvatures{};
 
@@ -95,6 +95,7 @@ void Walker::go_on(const Derivatives& log, const Derivatives& potential) {
   const double height = sign * value, last_length = length(last_step);
   if (height > last_height + 1e-9 && last_length > 1e-4) {
     last_step = 0.4 * last_step;
+    longest = 0.4 * last_length;
     place = last_place + last_step;
     return;
   }
@@ -119,9 +120,10 @@ void Walker::go_on(const Derivatives& log, const Derivatives& potential) {
     along_high = 0.0;
     along_low = size = push;
   }
-  if (size > step_max) {
-    along_high *= step_max / size;
-    along_low *= step_max / size;
+  if (size > longest) {
+    along_high *= longest / size;
+    along_low *= longest / size;
+    longest = std::min(2.0 * longest, step_max);
   }
   const double u = along_high * axes.cosine - along_low * axes.sine,
                w = along_high * axes.sine + along_low * axes.cosine;

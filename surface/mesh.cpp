@@ -15,6 +15,8 @@ constexpr double log_tolerance = 1e-4;
 // Where the root is a point of the lattice, the facets around it would have no area.
 constexpr double part_min = 1e-6;
 constexpr unsigned secant_rounds = 8, rounds_max = 60;
+constexpr double log_far = 0.03;  // of a middle from which one step may not lead onto the surface
+constexpr unsigned far_rounds = 4;
 constexpr std::size_t batch = 1024;  // points; progress is shown between two
 constexpr double shift_max = 0.25;   // of an edge's length, for what puts its middle on the surface
 
@@ -184,7 +186,9 @@ class Maker {
     fine.potential.reserve(coarse.points.size() + meshes_.middles.size());
     fine.points = coarse.points;
     fine.potential = coarse.potential;
-    put_middles(&fine);
+    fine.points.resize(coarse.points.size() + meshes_.middles.size());
+    fine.potential.resize(fine.points.size());
+    put_middles();
     const auto count = static_cast<unsigned>(coarse.points.size());
     fine.facets.reserve(4 * coarse.facets.size());
     for (const auto& [a, b, c] : coarse.facets) {
@@ -196,7 +200,7 @@ class Maker {
 
   // Where the surface bulges over an edge follows from how much the normal turns along it; from the density
   // there a step leads on, by what the edges of the lattice tell of the gradient.
-  void put_middles(Mesh* fine) {
+  void put_middles() {
     const Mesh& mesh = meshes_.coarse;
     // Between two normals; of length 1 but for the fourth power of their angle.
     const auto way_of = [&](std::size_t n) {
@@ -210,26 +214,43 @@ class Maker {
       const double bulge = dot(edge, normals_[b] - normals_[a]) / 8.0, most = shift_max * length(edge);
       return 0.5 * (mesh.points[a] + mesh.points[b]) + std::clamp(bulge, -most, most) * way_of(n);
     };
-    for_points(meshes_.middles.size(), fields_, progress_, 0.5, 0.9, place,
+    for_points(meshes_.middles.size(), fields_, progress_, 0.5, 0.85, place,
                [&](std::size_t n, const Point& point, double density, double potential) {
-                 const auto& [a, b] = meshes_.middles[n];
-                 const Cut &first = cuts_[a], &second = cuts_[b];
-                 const double log = log_near_one(density / level_),
-                              most = shift_max * distance(mesh.points[a], mesh.points[b]);
-                 const double slopes = std::fabs(first.log_slope) + std::fabs(second.log_slope);
-                 const double outward = std::fabs(dot(edges_[first.direction], normals_[a])) +
-                                        std::fabs(dot(edges_[second.direction], normals_[b]));
-                 if (!(slopes > 0.0)) {
-                   fine->points.push_back(point);
-                   fine->potential.push_back(potential);
-                   return;
-                 }
-                 const double shift = std::clamp(log * outward / slopes, -most, most);
-                 const double per_log =
-                     (sign(first) * first.potential_slope + sign(second) * second.potential_slope) / slopes;
-                 fine->points.push_back(point + shift * way_of(n));
-                 fine->potential.push_back(potential - log * per_log);
+                 take_middle(n, point, way_of(n), density, potential);
                });
+    // Where the surface turns sharply, once more from where that led to.
+    for (unsigned round = 0; round < far_rounds && !far_.empty(); ++round) {
+      const std::vector<unsigned> again = std::move(far_);
+      far_.clear();
+      for_points(
+          again.size(), fields_, progress_, 0.85, 0.9,
+          [&](std::size_t n) { return meshes_.fine.points[first_middle() + again[n]]; },
+          [&](std::size_t n, const Point& point, double density, double potential) {
+            take_middle(again[n], point, way_of(again[n]), density, potential);
+          });
+    }
+  }
+
+  std::size_t first_middle() const { return meshes_.coarse.points.size(); }
+
+  void take_middle(std::size_t n, const Point& point, const Point& way, double density, double potential) {
+    const auto& [a, b] = meshes_.middles[n];
+    const Cut &first = cuts_[a], &second = cuts_[b];
+    const double slopes = std::fabs(first.log_slope) + std::fabs(second.log_slope);
+    const double outward = std::fabs(dot(edges_[first.direction], normals_[a])) +
+                           std::fabs(dot(edges_[second.direction], normals_[b]));
+    const double log = log_near_one(density / level_),
+                 most = shift_max * distance(meshes_.coarse.points[a], meshes_.coarse.points[b]);
+    double shift = 0.0, per_log = 0.0;
+    if (slopes > 0.0) {
+      shift = std::clamp(log * outward / slopes, -most, most);
+      per_log = (sign(first) * first.potential_slope + sign(second) * second.potential_slope) / slopes;
+    }
+    meshes_.fine.points[first_middle() + n] = point + shift * way;
+    meshes_.fine.potential[first_middle() + n] = potential - log * per_log;
+    if (std::fabs(log) > log_far) {
+      far_.push_back(static_cast<unsigned>(n));
+    }
   }
 
   static double sign(const Cut& cut) { return cut.log_slope > 0.0 ? 1.0 : -1.0; }
@@ -242,6 +263,7 @@ class Maker {
   Point edges_[8];
   std::vector<Point> normals_;
   std::vector<unsigned> first_edge_;
+  std::vector<unsigned> far_;  // middles from which the step to the surface was long
   Meshes meshes_;
 };
 

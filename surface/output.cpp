@@ -92,7 +92,7 @@ void put_whole(const Output& to) {
   if (shares.pieces.size() > 1) {
     to.put("\npiece    area/" + length + "^2   volume/" + length + "^3   Euler characteristic\n");
     for (std::size_t n = 0; n < shares.pieces.size(); ++n) {
-      const auto& [area, volume, euler] = shares.pieces[n];
+      const auto& [area, volume, euler, coarseness] = shares.pieces[n];
       to.put(padded(std::to_string(n + 1), 5) + padded(to.area(area, 2), 9 + length.size()) +
              padded(to.volume(volume, 2), 12 + length.size()) + padded(std::to_string(euler), 23) + '\n');
     }
@@ -258,7 +258,7 @@ void put_json(const Output& to) {
          ", \"volume\": " + to.volume(shares.volume, 6) + ", " +
          json_statistics(to, shares.whole, shares.range.lowest, shares.range.highest));
   put_list(to, "pieces", shares.pieces.size(), [&](std::size_t n) {
-    const auto& [area, volume, euler] = shares.pieces[n];
+    const auto& [area, volume, euler, coarseness] = shares.pieces[n];
     return "{\"area\": " + to.area(area, 6) + ", \"volume\": " + to.volume(volume, 6) +
            ", \"euler\": " + std::to_string(euler) + '}';
   });

@@ -3,16 +3,11 @@
 #include <limits>
 #include <vector>
 
+#include "surface/facets.hpp"
 #include "surface/mesh.hpp"
 #include "surface/owners.hpp"
 
 // Areas, volumes and means over the surface, its pieces and its atoms' shares.
-
-/// Integrals over a part of a mesh: of 1, and of the potential's difference to a reference value and its
-/// square.
-struct Integrals {
-  double area = 0.0, first = 0.0, second = 0.0;  // bohr^2, times hartree, times hartree^2
-};
 
 struct Statistics {
   double area = 0.0, mean = 0.0, deviation = 0.0;  // bohr^2, hartree
@@ -31,6 +26,7 @@ struct Range {
 struct Piece {
   double area, volume;  // bohr^2, bohr^3
   long euler;           // vertices - edges + facets: 2 for a ball, 0 for a ring
+  double coarseness;    // part of the fine mesh's area that the coarse one lacks
 };
 
 struct Share {

@@ -12,15 +12,15 @@ namespace {
 
 constexpr double reach_factor = 1.4;
 constexpr double reach_max = 200.0;  // bohr
-// A piece of fewer steps squared in area is cut too coarsely: a ball of a radius of 1.4 steps.
-constexpr double area_min = 24.0;
+// Of a piece's area, what the quarters add to it; then that of the extrapolated one is good to a thousandth.
+constexpr double coarseness_max = 0.01;
 constexpr unsigned halvings_max = 4;
 // Values this near to each other are the same one on a mesh and where a Newton step has led, hartree.
 constexpr double same_value = 1e-6;
 
-bool has_small_piece(const Shares& shares, double step) {
+bool has_small_piece(const Shares& shares) {
   return std::ranges::any_of(shares.pieces,
-                             [&](const Piece& piece) { return piece.area < area_min * step * step; });
+                             [](const Piece& piece) { return piece.coarseness > coarseness_max; });
 }
 
 // A lowest value is that of a minimum, unless one at a border or where it is flat is lower.
@@ -68,7 +68,7 @@ Surface surface_of(const Molecule* molecule, const SurfaceSettings& settings, co
     }
     Meshes meshes = mesh_make(attempt.lattice, std::move(found), &attempt.fields, settings.level, &progress);
     Shares shares = shares_of(meshes, owners, molecule->atom_count);
-    if (has_small_piece(shares, step) && halvings < halvings_max) {
+    if (has_small_piece(shares) && halvings < halvings_max) {
       ++halvings;
       step *= 0.5;
       continue;

@@ -1,0 +1,185 @@
+#include "surface/facets.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "surface/vectors.hpp"
+
+namespace {
+
+// A corner of a part of a facet: its barycentric coordinates.
+using Corner = std::array<double, 3>;
+
+constexpr std::array<Corner, 3> vertices = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
+
+double at(const Corner& corner, const Corner& values) {
+  return corner[0] * values[0] + corner[1] * values[1] + corner[2] * values[2];
+}
+
+Corner between(const Corner& a, const Corner& b, double t) {
+  return {(1.0 - t) * a[0] + t * b[0], (1.0 - t) * a[1] + t * b[1], (1.0 - t) * a[2] + t * b[2]};
+}
+
+// A part of a facet, counter-clockwise, and which of its corners lie on a border.
+struct Polygon {
+  std::array<Corner, 6> corners;
+  std::array<bool, 6> is_border;
+  unsigned count = 0;
+  void add(const Corner& corner, bool is_at_border) {
+    corners[count] = corner;
+    is_border[count++] = is_at_border;
+  }
+};
+
+// Over a triangle with linear values at its corners.
+Integrals over_triangle(double area, double a, double b, double c) {
+  return {area, area * (a + b + c) / 3.0, area * (a * a + b * b + c * c + a * b + b * c + c * a) / 6.0};
+}
+
+FacetPart part_of(const Polygon& polygon, unsigned owner, double facet_area, const Corner& values) {
+  FacetPart part = {owner, {}, 0, {}};
+  for (unsigned n = 2; n < polygon.count; ++n) {
+    const Corner &a = polygon.corners[0], &b = polygon.corners[n - 1], &c = polygon.corners[n];
+    const double fraction = (b[0] - a[0]) * (c[1] - a[1]) - (b[1] - a[1]) * (c[0] - a[0]);
+    const Integrals triangle =
+        over_triangle(facet_area * fraction, at(a, values), at(b, values), at(c, values));
+    part.integrals.area += triangle.area;
+    part.integrals.first += triangle.first;
+    part.integrals.second += triangle.second;
+  }
+  for (unsigned n = 0; n < polygon.count; ++n) {
+    if (polygon.is_border[n] && part.border_count < part.border_values.size()) {
+      part.border_values[part.border_count++] = at(polygon.corners[n], values);
+    }
+  }
+  return part;
+}
+
+// Where a parabola is 0, from its values at 0, at 1, and where a straight line between these would be 0.
+double zero_of_bent(double at_0, double at_1, double straight, double value) {
+  const double bend = value / (straight * (straight - 1.0));
+  const double next = straight - value / (at_1 - at_0 + bend * (2.0 * straight - 1.0));
+  return next > 0.0 && next < 1.0 ? next : straight;
+}
+
+// Where a corner of a quarter lies on the patch. The quarters are those that mesh_make makes.
+Point place_on(const Patch& patch, unsigned quarter, const Corner& corner) {
+  // Of each quarter's vertices twice the coordinates in the patch.
+  constexpr std::array<std::array<Corner, 3>, 4> quarters = {{{{{2, 0, 0}, {1, 1, 0}, {1, 0, 1}}},
+                                                              {{{0, 2, 0}, {0, 1, 1}, {1, 1, 0}}},
+                                                              {{{0, 0, 2}, {1, 0, 1}, {0, 1, 1}}},
+                                                              {{{1, 1, 0}, {0, 1, 1}, {1, 0, 1}}}}};
+  Corner b;
+  for (unsigned c = 0; c < 3; ++c) {
+    const auto& [first, second, third] = quarters[quarter];
+    b[c] = 0.5 * (corner[0] * first[c] + corner[1] * second[c] + corner[2] * third[c]);
+  }
+  Point place = {};
+  for (unsigned c = 0; c < 3; ++c) {
+    place = place + b[c] * (2.0 * b[c] - 1.0) * patch.points[c] +
+            4.0 * b[(c + 1) % 3] * b[(c + 2) % 3] * patch.points[3 + c];
+  }
+  return place;
+}
+
+// Two owners, one of whom has a single vertex: the border is bent, and goes through two edges and a place
+// between them.
+void share_two(const FacetPlace& facet, const Patch& patch, unsigned quarter, const Owners& owners,
+               double area, std::vector<FacetPart>* parts) {
+  const unsigned lone = facet.owners[1] == facet.owners[2] ? 0 : facet.owners[0] == facet.owners[2] ? 1 : 2;
+  const unsigned after = (lone + 1) % 3, last = (lone + 2) % 3;
+  const unsigned own = facet.owners[lone], other = facet.owners[after];
+  const auto difference = [&](const Corner& corner) {
+    const Point place = place_on(patch, quarter, corner);
+    return owners.weight(place, own) - owners.weight(place, other);
+  };
+  const double at_lone = difference(vertices[lone]);
+  const auto cut = [&](unsigned to) {
+    const double at_end = difference(vertices[to]), straight = at_lone / (at_lone - at_end);
+    if (!(straight > 0.0 && straight < 1.0)) {
+      return between(vertices[lone], vertices[to], at_lone > 0.0 ? 1.0 : 0.0);  // through a vertex
+    }
+    const Corner place = between(vertices[lone], vertices[to], straight);
+    return between(vertices[lone], vertices[to], zero_of_bent(at_lone, at_end, straight, difference(place)));
+  };
+  const Corner first = cut(after), second = cut(last), chord = between(first, second, 0.5);
+  const double off = difference(chord), way = off / (off - at_lone);
+  const Corner middle = std::fabs(way) < 0.5 ? between(chord, vertices[lone], way) : chord;
+  Polygon corner, rest;
+  corner.add(vertices[lone], false);
+  corner.add(first, true);
+  corner.add(middle, true);
+  corner.add(second, true);
+  rest.add(middle, true);
+  rest.add(first, true);
+  rest.add(vertices[after], false);
+  rest.add(vertices[last], false);
+  rest.add(second, true);
+  parts->push_back(part_of(corner, own, area, facet.values));
+  parts->push_back(part_of(rest, other, area, facet.values));
+}
+
+// The part of a polygon in which a linear function, given at the vertices, is not negative.
+Polygon clipped(const Polygon& polygon, const Corner& function) {
+  Polygon result;
+  for (unsigned n = 0; n < polygon.count; ++n) {
+    const Corner &a = polygon.corners[n], &b = polygon.corners[(n + 1) % polygon.count];
+    const double at_a = at(a, function), at_b = at(b, function);
+    if (at_a >= 0.0) {
+      result.add(a, polygon.is_border[n]);
+    }
+    if ((at_a > 0.0 && at_b < 0.0) || (at_a < 0.0 && at_b > 0.0)) {
+      result.add(between(a, b, at_a / (at_a - at_b)), true);
+    }
+  }
+  return result;
+}
+
+// Each vertex another owner: borders are taken for straight.
+void share_three(const FacetPlace& facet, const Owners& owners, double area, std::vector<FacetPart>* parts) {
+  std::array<Corner, 3> weights;  // of the owners, at the vertices
+  for (unsigned own = 0; own < 3; ++own) {
+    for (unsigned c = 0; c < 3; ++c) {
+      weights[own][c] = owners.weight(facet.vertices[c], facet.owners[own]);
+    }
+  }
+  for (unsigned own = 0; own < 3; ++own) {
+    Polygon part;
+    for (const Corner& vertex : vertices) {
+      part.add(vertex, false);
+    }
+    for (const unsigned other : {(own + 1) % 3, (own + 2) % 3}) {
+      part = clipped(part, {weights[own][0] - weights[other][0], weights[own][1] - weights[other][1],
+                            weights[own][2] - weights[other][2]});
+    }
+    parts->push_back(part_of(part, facet.owners[own], area, facet.values));
+  }
+}
+
+double area_of(const FacetPlace& facet) {
+  const auto& [a, b, c] = facet.vertices;
+  return 0.5 * length(cross(b - a, c - a));
+}
+
+}  // namespace
+
+Integrals facet_integrals(const FacetPlace& facet) {
+  return over_triangle(area_of(facet), facet.values[0], facet.values[1], facet.values[2]);
+}
+
+double facet_volume(const FacetPlace& facet, const Point& origin) {
+  const auto& [a, b, c] = facet.vertices;
+  return dot(a - origin, cross(b - a, c - a)) / 6.0;
+}
+
+void facet_share(const FacetPlace& facet, const Patch& patch, unsigned quarter, const Owners& owners,
+                 std::vector<FacetPart>* parts) {
+  const auto& [a, b, c] = facet.owners;
+  if (a == b && a == c) {
+    parts->push_back({a, facet_integrals(facet), 0, {}});
+  } else if (a != b && a != c && b != c) {
+    share_three(facet, owners, area_of(facet), parts);
+  } else {
+    share_two(facet, patch, quarter, owners, area_of(facet), parts);
+  }
+}
