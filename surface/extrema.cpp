@@ -217,7 +217,7 @@ Extrema extrema_of(const Mesh& mesh, const Owners& owners, Fields* fields, doubl
                  return known.is_maximum == is_maximum && distance(known.position, walker.place) < same_place;
                })) {
       extrema.list.push_back(
-          {is_maximum, walker.value, walker.place, owners.of({&walker.place, 1})[0], walker.curvatures});
+          {is_maximum, walker.value, walker.place, owners.of(walker.place), walker.curvatures});
     }
   }
   std::ranges::stable_sort(extrema.list, {}, order_of);

@@ -82,43 +82,6 @@ Point place_on(const Patch& patch, unsigned quarter, const Corner& corner) {
   return place;
 }
 
-// Two owners, one of whom has a single vertex: the border is bent, and goes through two edges and a place
-// between them.
-void share_two(const FacetPlace& facet, const Patch& patch, unsigned quarter, const Owners& owners,
-               double area, std::vector<FacetPart>* parts) {
-  const unsigned lone = facet.owners[1] == facet.owners[2] ? 0 : facet.owners[0] == facet.owners[2] ? 1 : 2;
-  const unsigned after = (lone + 1) % 3, last = (lone + 2) % 3;
-  const unsigned own = facet.owners[lone], other = facet.owners[after];
-  const auto difference = [&](const Corner& corner) {
-    const Point place = place_on(patch, quarter, corner);
-    return owners.weight(place, own) - owners.weight(place, other);
-  };
-  const double at_lone = difference(vertices[lone]);
-  const auto cut = [&](unsigned to) {
-    const double at_end = difference(vertices[to]), straight = at_lone / (at_lone - at_end);
-    if (!(straight > 0.0 && straight < 1.0)) {
-      return between(vertices[lone], vertices[to], at_lone > 0.0 ? 1.0 : 0.0);  // through a vertex
-    }
-    const Corner place = between(vertices[lone], vertices[to], straight);
-    return between(vertices[lone], vertices[to], zero_of_bent(at_lone, at_end, straight, difference(place)));
-  };
-  const Corner first = cut(after), second = cut(last), chord = between(first, second, 0.5);
-  const double off = difference(chord), way = off / (off - at_lone);
-  const Corner middle = std::fabs(way) < 0.5 ? between(chord, vertices[lone], way) : chord;
-  Polygon corner, rest;
-  corner.add(vertices[lone], false);
-  corner.add(first, true);
-  corner.add(middle, true);
-  corner.add(second, true);
-  rest.add(middle, true);
-  rest.add(first, true);
-  rest.add(vertices[after], false);
-  rest.add(vertices[last], false);
-  rest.add(second, true);
-  parts->push_back(part_of(corner, own, area, facet.values));
-  parts->push_back(part_of(rest, other, area, facet.values));
-}
-
 // The part of a polygon in which a linear function, given at the vertices, is not negative.
 Polygon clipped(const Polygon& polygon, const Corner& function) {
   Polygon result;
@@ -135,31 +98,142 @@ Polygon clipped(const Polygon& polygon, const Corner& function) {
   return result;
 }
 
-// Each vertex another owner: borders are taken for straight.
-void share_three(const FacetPlace& facet, const Owners& owners, double area, std::vector<FacetPart>* parts) {
-  std::array<Corner, 3> weights;  // of the owners, at the vertices
-  for (unsigned own = 0; own < 3; ++own) {
-    for (unsigned c = 0; c < 3; ++c) {
-      weights[own][c] = owners.weight(facet.vertices[c], facet.owners[own]);
-    }
-  }
-  for (unsigned own = 0; own < 3; ++own) {
-    Polygon part;
-    for (const Corner& vertex : vertices) {
-      part.add(vertex, false);
-    }
-    for (const unsigned other : {(own + 1) % 3, (own + 2) % 3}) {
-      part = clipped(part, {weights[own][0] - weights[other][0], weights[own][1] - weights[other][1],
-                            weights[own][2] - weights[other][2]});
-    }
-    parts->push_back(part_of(part, facet.owners[own], area, facet.values));
-  }
-}
-
 double area_of(const FacetPlace& facet) {
   const auto& [a, b, c] = facet.vertices;
   return 0.5 * length(cross(b - a, c - a));
 }
+
+// A part of a facet whose corners have owners.
+struct Triangle {
+  std::array<Corner, 3> corners;
+  std::array<unsigned, 3> owners;
+};
+
+// Borders are bent, and narrow shares can lie between two vertices of others.
+class Sharing {
+ public:
+  Sharing(const FacetPlace& facet, const Patch& patch, unsigned quarter, const Owners& owners,
+          std::vector<FacetPart>* parts)
+      : facet_(facet),
+        patch_(patch),
+        quarter_(quarter),
+        owners_(owners),
+        parts_(parts),
+        area_(area_of(facet)) {}
+
+  void share(const Triangle& triangle, unsigned depth) const {
+    const auto& [a, b, c] = triangle.owners;
+    if (a == b && a == c) {
+      Polygon whole;
+      for (const Corner& corner : triangle.corners) {
+        whole.add(corner, false);
+      }
+      put(whole, a);
+    } else if ((a == b || a == c || b == c) ? !share_two(triangle, depth == depth_max) : depth < depth_max) {
+      split(triangle, depth);
+    } else if (a != b && a != c && b != c) {
+      share_three(triangle);
+    }
+  }
+
+ private:
+  static constexpr unsigned depth_max = 3;
+
+  Point place(const Corner& corner) const { return place_on(patch_, quarter_, corner); }
+  unsigned owner(const Corner& corner) const { return owners_.of(place(corner)); }
+  double weight(const Corner& corner, unsigned atom) const { return owners_.weight(place(corner), atom); }
+
+  void put(const Polygon& polygon, unsigned owner) const {
+    parts_->push_back(part_of(polygon, owner, area_, facet_.values));
+  }
+
+  void split(const Triangle& triangle, unsigned depth) const {
+    const auto& [a, b, c] = triangle.corners;
+    const auto& [of_a, of_b, of_c] = triangle.owners;
+    const Corner ab = between(a, b, 0.5), bc = between(b, c, 0.5), ca = between(c, a, 0.5);
+    const unsigned of_ab = owner(ab), of_bc = owner(bc), of_ca = owner(ca);
+    share({{a, ab, ca}, {of_a, of_ab, of_ca}}, depth + 1);
+    share({{b, bc, ab}, {of_b, of_bc, of_ab}}, depth + 1);
+    share({{c, ca, bc}, {of_c, of_ca, of_bc}}, depth + 1);
+    share({{ab, bc, ca}, {of_ab, of_bc, of_ca}}, depth + 1);
+  }
+
+  // One of two owners has a single corner. The border goes through two edges and a place between them; false
+  // if that is somebody else's, unless it must do.
+  bool share_two(const Triangle& triangle, bool must_do) const {
+    const auto& of = triangle.owners;
+    const unsigned number = of[1] == of[2] ? 0 : of[0] == of[2] ? 1 : 2;
+    const unsigned own = of[number], other = of[(number + 1) % 3];
+    const Corner &lone = triangle.corners[number], &after = triangle.corners[(number + 1) % 3],
+                 &last = triangle.corners[(number + 2) % 3];
+    const auto difference = [&](const Corner& corner) { return weight(corner, own) - weight(corner, other); };
+    const double at_lone = difference(lone);
+    const auto cut = [&](const Corner& to) {
+      const double at_end = difference(to), straight = at_lone / (at_lone - at_end);
+      if (!(straight > 0.0 && straight < 1.0)) {
+        return at_lone > 0.0 ? to : lone;  // through a vertex
+      }
+      const double there = difference(between(lone, to, straight));
+      return between(lone, to, zero_of_bent(at_lone, at_end, straight, there));
+    };
+    const Corner first = cut(after), second = cut(last), chord = between(first, second, 0.5);
+    const double off = difference(chord), way = off / (off - at_lone);
+    const Corner middle = std::fabs(way) < 0.5 ? between(chord, lone, way) : chord;
+    const unsigned owner_there = owner(middle);
+    if (owner_there != own && owner_there != other && !must_do) {
+      return false;
+    }
+    Polygon corner, rest;
+    corner.add(lone, false);
+    corner.add(first, true);
+    corner.add(middle, true);
+    corner.add(second, true);
+    rest.add(middle, true);
+    rest.add(first, true);
+    rest.add(after, false);
+    rest.add(last, false);
+    rest.add(second, true);
+    put(corner, own);
+    put(rest, other);
+    return true;
+  }
+
+  // Each corner another owner: small by now, and cut by straight borders.
+  void share_three(const Triangle& triangle) const {
+    std::array<Corner, 3> weights;  // of the owners, at the corners
+    for (unsigned own = 0; own < 3; ++own) {
+      for (unsigned c = 0; c < 3; ++c) {
+        weights[own][c] = weight(triangle.corners[c], triangle.owners[own]);
+      }
+    }
+    for (unsigned own = 0; own < 3; ++own) {
+      Polygon part;  // in coordinates of the triangle
+      for (const Corner& vertex : vertices) {
+        part.add(vertex, false);
+      }
+      for (const unsigned other : {(own + 1) % 3, (own + 2) % 3}) {
+        part = clipped(part, {weights[own][0] - weights[other][0], weights[own][1] - weights[other][1],
+                              weights[own][2] - weights[other][2]});
+      }
+      for (unsigned n = 0; n < part.count; ++n) {
+        const Corner in_triangle = part.corners[n];
+        for (unsigned c = 0; c < 3; ++c) {
+          part.corners[n][c] = in_triangle[0] * triangle.corners[0][c] +
+                               in_triangle[1] * triangle.corners[1][c] +
+                               in_triangle[2] * triangle.corners[2][c];
+        }
+      }
+      put(part, triangle.owners[own]);
+    }
+  }
+
+  const FacetPlace& facet_;
+  const Patch& patch_;
+  unsigned quarter_;
+  const Owners& owners_;
+  std::vector<FacetPart>* parts_;
+  double area_;
+};
 
 }  // namespace
 
@@ -174,12 +248,5 @@ double facet_volume(const FacetPlace& facet, const Point& origin) {
 
 void facet_share(const FacetPlace& facet, const Patch& patch, unsigned quarter, const Owners& owners,
                  std::vector<FacetPart>* parts) {
-  const auto& [a, b, c] = facet.owners;
-  if (a == b && a == c) {
-    parts->push_back({a, facet_integrals(facet), 0, {}});
-  } else if (a != b && a != c && b != c) {
-    share_three(facet, owners, area_of(facet), parts);
-  } else {
-    share_two(facet, patch, quarter, owners, area_of(facet), parts);
-  }
+  Sharing(facet, patch, quarter, owners, parts).share({vertices, facet.owners}, 0);
 }

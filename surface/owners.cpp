@@ -83,6 +83,18 @@ std::vector<unsigned> Owners::of(std::span<const Point> points) const {
   return owners;
 }
 
+unsigned Owners::of(const Point& point) const {
+  unsigned owner = 0;
+  double most = weight(point, 0);
+  for (unsigned atom = 1; atom < places_.size(); ++atom) {
+    if (const double here = weight(point, atom); here > most) {
+      most = here;
+      owner = atom;
+    }
+  }
+  return owner;
+}
+
 std::vector<double> owners_radii(const Molecule* molecule) {
   std::vector<double> radii;
   std::set<unsigned> told;

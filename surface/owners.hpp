@@ -17,6 +17,7 @@ class Owners {
 
   /// Owners of points, most quickly where neighbours are in runs. Of equals the first atom.
   std::vector<unsigned> of(std::span<const Point> points) const;
+  unsigned of(const Point& point) const;
 
   /// What is largest for the owner of a place.
   double weight(const Point& place, unsigned atom) const;

@@ -71,16 +71,11 @@ class Adder {
     for (std::size_t n = 0; n < meshes.coarse.facets.size(); ++n) {
       add_facet(meshes, n);
     }
-    // From facet to facet what quartering adds goes up and down with their shapes; an atom's share of it is
-    // that of the area.
-    const Integrals rest = beyond(coarse_, fine_);
     for (unsigned atom = 0; atom < atom_count; ++atom) {
       shares_.atoms[atom].is_empty = !(atoms_[atom].area > 0.0);
-      add(times(atoms_[atom].area / fine_.area, rest), &atoms_[atom]);
       shares_.atoms[atom].statistics = statistics(atoms_[atom]);
     }
-    add(rest, &fine_);
-    shares_.whole = statistics(fine_);
+    shares_.whole = statistics(whole_);
     set_pieces();
   }
 
@@ -161,10 +156,14 @@ class Adder {
       facet_share(part, patch, quarter, owners_, &parts_);
     }
     piece.fine_area += fine.area;
-    add(coarse, &coarse_);
-    add(fine, &fine_);
+    const Integrals rest = beyond(coarse, fine);
+    add(fine, &whole_);
+    add(rest, &whole_);
     for (const FacetPart& part : parts_) {
       add(part.integrals, &atoms_[part.owner]);
+      if (fine.area > 0.0) {
+        add(times(part.integrals.area / fine.area, rest), &atoms_[part.owner]);
+      }
       for (unsigned n = 0; n < part.border_count; ++n) {
         shares_.atoms[part.owner].at_border.take(reference_ + part.border_values[n]);
       }
@@ -191,7 +190,7 @@ class Adder {
   double reference_;  // potential, hartree: sums of squares keep their digits
   Point origin_;      // for volumes
   std::vector<unsigned> owner_of_, piece_of_;
-  Integrals coarse_, fine_;
+  Integrals whole_;
   std::vector<Integrals> atoms_;
   std::vector<PieceSums> pieces_;
   std::vector<FacetPart> parts_;
