@@ -10,13 +10,15 @@
 
 namespace {
 
-constexpr double difference = 0.01;       // bohr, for derivatives from differences
+// For derivatives from differences, bohr: around the axis of a linear molecule their curvatures must be 0.
+constexpr double difference = 0.002;
 constexpr double curvature_min = 1e-5;    // hartree/bohr^2, of what is not flat
 constexpr double curvature_floor = 1e-4;  // hartree/bohr^2, by which a step is divided at least
 constexpr double first_step_max = 0.15, step_max = 0.6;  // bohr; doubled while it goes well
 constexpr double step_end = 1e-6, log_end = 1e-6, tilt_end = 1e-3;
-constexpr double push = 0.05;        // bohr, off a saddle point that symmetry leads to
-constexpr double same_place = 0.05;  // bohr
+constexpr double push = 0.05;         // bohr, off a saddle point that symmetry leads to
+constexpr double same_weight = 1e-5;  // of atoms that symmetry makes equal owners of an extremum
+constexpr double same_place = 0.05;   // bohr
 constexpr unsigned rounds_max = 60, pushes_max = 2;
 
 // Points around a place, in a frame along and across the surface.
@@ -217,7 +219,7 @@ Extrema extrema_of(const Mesh& mesh, const Owners& owners, Fields* fields, doubl
                  return known.is_maximum == is_maximum && distance(known.position, walker.place) < same_place;
                })) {
       extrema.list.push_back(
-          {is_maximum, walker.value, walker.place, owners.of(walker.place), walker.curvatures});
+          {is_maximum, walker.value, walker.place, owners.of(walker.place, same_weight), walker.curvatures});
     }
   }
   std::ranges::stable_sort(extrema.list, {}, order_of);

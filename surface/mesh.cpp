@@ -229,6 +229,7 @@ class Maker {
             take_middle(again[n], point, way_of(again[n]), density, potential);
           });
     }
+    meshes_.is_resolved = far_.empty();
   }
 
   std::size_t first_middle() const { return meshes_.coarse.points.size(); }

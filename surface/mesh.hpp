@@ -19,8 +19,8 @@ struct Mesh {
 /// surface. Its first points are those of the coarse mesh.
 struct Meshes {
   Mesh coarse, fine;
-  std::vector<std::array<unsigned, 2>>
-      middles;  // the ends of the edges in whose middles the other points are
+  std::vector<std::array<unsigned, 2>> middles;  // ends of the edges whose middles are the other points
+  bool is_resolved;  // false if one of them is far from the surface: facets span a gap of the density
 };
 
 /// Moves each cut along its edge until the density is within 10^-5 of the level, relatively, then makes the

@@ -83,13 +83,18 @@ std::vector<unsigned> Owners::of(std::span<const Point> points) const {
   return owners;
 }
 
-unsigned Owners::of(const Point& point) const {
+unsigned Owners::of(const Point& point, double slack) const {
   unsigned owner = 0;
   double most = weight(point, 0);
   for (unsigned atom = 1; atom < places_.size(); ++atom) {
     if (const double here = weight(point, atom); here > most) {
       most = here;
       owner = atom;
+    }
+  }
+  for (unsigned atom = 0; slack > 0.0 && atom < owner; ++atom) {
+    if (weight(point, atom) >= most - slack) {
+      return atom;
     }
   }
   return owner;

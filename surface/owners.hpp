@@ -17,7 +17,9 @@ class Owners {
 
   /// Owners of points, most quickly where neighbours are in runs. Of equals the first atom.
   std::vector<unsigned> of(std::span<const Point> points) const;
-  unsigned of(const Point& point) const;
+
+  /// The first atom whose weight is at most so much below the largest.
+  unsigned of(const Point& point, double slack = 0.0) const;
 
   /// What is largest for the owner of a place.
   double weight(const Point& place, unsigned atom) const;

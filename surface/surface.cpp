@@ -68,12 +68,12 @@ Surface surface_of(const Molecule* molecule, const SurfaceSettings& settings, co
     }
     Meshes meshes = mesh_make(attempt.lattice, std::move(found), &attempt.fields, settings.level, &progress);
     Shares shares = shares_of(meshes, owners, molecule->atom_count);
-    if (has_small_piece(shares) && halvings < halvings_max) {
+    if ((!meshes.is_resolved || has_small_piece(shares)) && halvings < halvings_max) {
       ++halvings;
       step *= 0.5;
       continue;
     }
-    Extrema extrema = extrema_of(meshes.coarse, owners, &attempt.fields, settings.level);
+    Extrema extrema = extrema_of(meshes.fine, owners, &attempt.fields, settings.level);
     for (const Extremum& extremum : extrema.list) {
       take_extremum(extremum, &shares.range);
       take_extremum(extremum, &shares.atoms[extremum.atom].within);
