@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
+#include <map>
 #include <tuple>
 
 #include "surface/logarithm.hpp"
@@ -144,21 +144,40 @@ void Walker::go_on(const Derivatives& log, const Derivatives& potential) {
 // Vertices that are lower (higher) than all to which an edge leads.
 std::vector<Walker> walkers_of(const Mesh& mesh) {
   std::vector<unsigned char> is_low(mesh.points.size(), 1), is_high(mesh.points.size(), 1);
-  std::vector<Point> normals(mesh.points.size());
-  for (const Facet& f : mesh.facets) {
-    for (unsigned c = 0; c < 3; ++c) {
-      // An edge's other facet has it the other way round.
-      const unsigned a = f[c], b = f[(c + 1) % 3];
-      const bool is_less = std::tie(mesh.potential[a], a) < std::tie(mesh.potential[b], b);
-      is_low[is_less ? b : a] = 0;
-      is_high[is_less ? a : b] = 0;
-      normals[a] =
-          normals[a] + cross(mesh.points[b] - mesh.points[a], mesh.points[f[(c + 2) % 3]] - mesh.points[a]);
+  const auto compare = [&](const Facet& f) {
+    const auto is_less = [&](unsigned a, unsigned b) {
+      return mesh.potential[a] < mesh.potential[b] || (mesh.potential[a] == mesh.potential[b] && a < b);
+    };
+    const bool ab = is_less(f[0], f[1]), bc = is_less(f[1], f[2]), ca = is_less(f[2], f[0]);
+    is_low[f[0]] &= static_cast<unsigned char>(ab && !ca);
+    is_low[f[1]] &= static_cast<unsigned char>(bc && !ab);
+    is_low[f[2]] &= static_cast<unsigned char>(ca && !bc);
+    is_high[f[0]] &= static_cast<unsigned char>(!ab && ca);
+    is_high[f[1]] &= static_cast<unsigned char>(!bc && ab);
+    is_high[f[2]] &= static_cast<unsigned char>(!ca && bc);
+  };
+  for (std::size_t facet = 0; facet < mesh.facets.size(); ++facet) {
+    std::ranges::for_each(mesh.quarters(facet), compare);
+  }
+  std::map<unsigned, Point> normals;  // of these few
+  const auto is_start = [&](unsigned n) { return (is_low[n] | is_high[n]) != 0; };
+  for (std::size_t facet = 0; facet < mesh.facets.size(); ++facet) {
+    if (std::ranges::none_of(mesh.facets[facet], is_start) &&
+        std::ranges::none_of(mesh.middles[facet], is_start)) {
+      continue;
+    }
+    for (const Facet& f : mesh.quarters(facet)) {
+      for (const unsigned n : f) {
+        if (is_start(n)) {
+          normals[n] = normals[n] +
+                       cross(mesh.points[f[1]] - mesh.points[f[0]], mesh.points[f[2]] - mesh.points[f[0]]);
+        }
+      }
     }
   }
   std::vector<Walker> walkers;
   for (const bool is_maximum : {false, true}) {
-    for (std::size_t n = 0; n < mesh.points.size(); ++n) {
+    for (unsigned n = 0; n < mesh.points.size(); ++n) {
       if ((is_maximum ? is_high : is_low)[n] != 0) {
         walkers.push_back({.sign = is_maximum ? -1.0 : 1.0,
                            .place = mesh.points[n],

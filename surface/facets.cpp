@@ -31,21 +31,12 @@ struct Polygon {
   }
 };
 
-// Over a triangle with linear values at its corners.
-Integrals over_triangle(double area, double a, double b, double c) {
-  return {area, area * (a + b + c) / 3.0, area * (a * a + b * b + c * c + a * b + b * c + c * a) / 6.0};
-}
-
 FacetPart part_of(const Polygon& polygon, unsigned owner, double facet_area, const Corner& values) {
   FacetPart part = {owner, {}, 0, {}};
   for (unsigned n = 2; n < polygon.count; ++n) {
     const Corner &a = polygon.corners[0], &b = polygon.corners[n - 1], &c = polygon.corners[n];
     const double fraction = (b[0] - a[0]) * (c[1] - a[1]) - (b[1] - a[1]) * (c[0] - a[0]);
-    const Integrals triangle =
-        over_triangle(facet_area * fraction, at(a, values), at(b, values), at(c, values));
-    part.integrals.area += triangle.area;
-    part.integrals.first += triangle.first;
-    part.integrals.second += triangle.second;
+    add(integrals_of(facet_area * fraction, at(a, values), at(b, values), at(c, values)), &part.integrals);
   }
   for (unsigned n = 0; n < polygon.count; ++n) {
     if (polygon.is_border[n] && part.border_count < part.border_values.size()) {
@@ -98,10 +89,7 @@ Polygon clipped(const Polygon& polygon, const Corner& function) {
   return result;
 }
 
-double area_of(const FacetPlace& facet) {
-  const auto& [a, b, c] = facet.vertices;
-  return 0.5 * length(cross(b - a, c - a));
-}
+double area_of(const FacetPlace& facet) { return 0.5 * length(facet_twice_area(facet.vertices)); }
 
 // A part of a facet whose corners have owners.
 struct Triangle {
@@ -236,15 +224,6 @@ class Sharing {
 };
 
 }  // namespace
-
-Integrals facet_integrals(const FacetPlace& facet) {
-  return over_triangle(area_of(facet), facet.values[0], facet.values[1], facet.values[2]);
-}
-
-double facet_volume(const FacetPlace& facet, const Point& origin) {
-  const auto& [a, b, c] = facet.vertices;
-  return dot(a - origin, cross(b - a, c - a)) / 6.0;
-}
 
 void facet_share(const FacetPlace& facet, const Patch& patch, unsigned quarter, const Owners& owners,
                  std::vector<FacetPart>* parts) {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "surface/owners.hpp"
+#include "surface/vectors.hpp"
 
 // Integrals over one facet, and over the parts of its owners.
 
@@ -33,13 +34,24 @@ struct FacetPart {
   std::array<double, 5> border_values;
 };
 
-Integrals facet_integrals(const FacetPlace& facet);
+inline void add(const Integrals& part, Integrals* sum) {
+  sum->area += part.area;
+  sum->first += part.first;
+  sum->second += part.second;
+}
 
-/// Of the pyramid over the facet with its tip at the origin, negative if that looks at its outer side,
-/// bohr^3.
-double facet_volume(const FacetPlace& facet, const Point& origin);
+/// Over a triangle with linear values at its corners.
+inline Integrals integrals_of(double area, double a, double b, double c) {
+  const double sum = a + b + c;
+  return {area, area * sum / 3.0, area * (sum * sum + a * a + b * b + c * c) / 12.0};
+}
 
-/// Adds the parts of all owners, those of the vertices, of a quarter of a patch: 0 to 2 at that vertex, 3
+/// A vector across the facet, outward, as long as twice its area.
+inline Point facet_twice_area(const std::array<Point, 3>& vertices) {
+  return cross(vertices[1] - vertices[0], vertices[2] - vertices[0]);
+}
+
+/// Adds the parts of all owners of a quarter of a patch: 0 to 2 at that vertex, 3
 /// between the middles. The border is where the patch is in doubt, not the flat facet.
 void facet_share(const FacetPlace& facet, const Patch& patch, unsigned quarter, const Owners& owners,
                  std::vector<FacetPart>* parts);

@@ -230,7 +230,7 @@ class Marcher {
       numbered_[edge.from >> 2].push_back(place);
       march_.cuts.push_back({{i + (edge.from >> 2), j + (edge.from >> 1 & 1), k + (edge.from & 1)},
                              static_cast<unsigned char>(direction),
-                             {},
+                             is_inside(i, j, k, edge.to) != 0,
                              0.0,
                              0.0,
                              0.0});

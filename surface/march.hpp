@@ -19,7 +19,7 @@ using Facet = std::array<unsigned, 3>;
 struct Cut {
   std::array<unsigned, 3> from;  // indices of its lower end
   unsigned char direction;       // bits 4, 2, 1: whether it goes a step along the first, second, third index
-  double ends[2];                // logarithm of the density over the level at both ends, of unlike sign
+  bool rises;                    // whether its upper end is inside
   double start;                  // where the density may have the level
   double log_slope, potential_slope;  // there, along the edge
 };

@@ -20,28 +20,6 @@ constexpr unsigned far_rounds = 4;
 constexpr std::size_t batch = 1024;  // points; progress is shown between two
 constexpr double shift_max = 0.25;   // of an edge's length, for what puts its middle on the surface
 
-// Exact values at points that are made and used in batches: place(n) gives the n-th of them, use(n, point,
-// density, potential) gets what is there. Shows progress between two parts of the whole work.
-template <class Place, class Use>
-void for_points(std::size_t count, Fields* fields, Progress* progress, double begin, double end, Place place,
-                Use use) {
-  std::vector<Point> points;
-  std::vector<double> values(2 * std::min(batch, count));
-  points.reserve(std::min(batch, count));
-  for (std::size_t first = 0; first < count; first += batch) {
-    const std::size_t size = std::min(batch, count - first);
-    points.clear();
-    for (std::size_t n = 0; n < size; ++n) {
-      points.push_back(place(first + n));
-    }
-    fields->at(points, std::span(values).first(2 * size));
-    for (std::size_t n = 0; n < size; ++n) {
-      use(first + n, points[n], values[n], values[size + n]);
-    }
-    progress->show(begin + (end - begin) * static_cast<double>(first + size) / static_cast<double>(count));
-  }
-}
-
 // A root of the density's logarithm along an edge, in brackets.
 struct Search {
   explicit Search(const Cut& cut)
@@ -73,68 +51,89 @@ struct Search {
 class Maker {
  public:
   Maker(const Lattice& lattice, March march, Fields* fields, double level, Progress* progress)
-      : cuts_(std::move(march.cuts)), fields_(fields), level_(level), progress_(progress) {
-    meshes_.coarse.facets = std::move(march.facets);
+      : lattice_(lattice), cuts_(std::move(march.cuts)), fields_(fields), level_(level), progress_(progress) {
+    mesh_.facets = std::move(march.facets);
     for (unsigned direction = 0; direction < 8; ++direction) {
       edges_[direction] = march_edge(lattice, direction);
     }
-    for (const Cut& cut : cuts_) {
-      origins_.push_back(lattice.point(cut.from[0], cut.from[1], cut.from[2]));
-    }
   }
 
-  Meshes make() {
+  Mesh make() {
     settle_cuts();
     quarter();
-    return std::move(meshes_);
+    return std::move(mesh_);
   }
 
  private:
+  // Exact values at points that are made and used in batches: place(n) gives the n-th of them, use(n, point,
+  // density, potential) gets what is there.
+  template <class Place, class Use>
+  void for_points(std::size_t count, Place place, Use use) {
+    for (std::size_t first = 0; first < count; first += batch) {
+      const std::size_t size = std::min(batch, count - first);
+      points_.clear();
+      for (std::size_t n = 0; n < size; ++n) {
+        points_.push_back(place(first + n));
+      }
+      fields_->at(points_, std::span(values_).first(2 * size));
+      for (std::size_t n = 0; n < size; ++n) {
+        use(first + n, points_[n], values_[n], values_[size + n]);
+      }
+    }
+  }
+
   void settle_cuts() {
-    Mesh& mesh = meshes_.coarse;
-    mesh.points.resize(cuts_.size());
-    mesh.potential.resize(cuts_.size());
-    std::vector<Search> searches(cuts_.begin(), cuts_.end());
-    std::vector<unsigned> active(cuts_.size()), left;
-    std::iota(active.begin(), active.end(), 0U);
+    mesh_.points.reserve(4 * cuts_.size());  // a closed surface has three edges a vertex, nearly
+    mesh_.potential.reserve(4 * cuts_.size());
+    mesh_.points.resize(cuts_.size());
+    mesh_.vertex_count = cuts_.size();
+    mesh_.potential.resize(cuts_.size());
+    for (std::size_t first = 0; first < cuts_.size(); first += batch) {
+      settle_batch(first, std::min(batch, cuts_.size() - first));
+      progress_->show(0.3 + 0.2 * static_cast<double>(first) / static_cast<double>(cuts_.size()));
+    }
+  }
+
+  void settle_batch(std::size_t first, std::size_t count) {
+    const auto begin = cuts_.begin() + static_cast<std::ptrdiff_t>(first);
+    std::vector<Search> searches(begin, begin + static_cast<std::ptrdiff_t>(count));
+    std::vector<std::size_t> active(count), left;
+    std::iota(active.begin(), active.end(), first);
     for (unsigned round = 0; !active.empty(); ++round) {
       if (round == rounds_max) {
         msg_fatal("the density jumps over its level");
       }
       left.clear();
       const auto place = [&](std::size_t p) {
-        const unsigned n = active[p];
-        return origins_[n] + searches[n].at * edges_[cuts_[n].direction];
+        const Cut& cut = cuts_[active[p]];
+        return lattice_.point(cut.from[0], cut.from[1], cut.from[2]) +
+               searches[active[p] - first].at * edges_[cut.direction];
       };
-      const double begin = round == 0 ? 0.3 : 0.4;
-      for_points(active.size(), fields_, progress_, begin, begin + 0.1, place,
-                 [&](std::size_t p, const Point& point, double density, double potential) {
-                   const unsigned n = active[p];
-                   const double log = log_near_one(density / level_);
-                   Search& search = searches[n];
-                   const double step = search.step(log, potential, cuts_[n].ends[1] > 0.0, round);
-                   if (std::fabs(log) <= log_tolerance) {
-                     mesh.points[n] = point + step * edges_[cuts_[n].direction];
-                     mesh.potential[n] = potential + step * search.potential_slope;
-                   } else {
-                     left.push_back(n);
-                   }
-                 });
+      const auto use = [&](std::size_t p, const Point& point, double density, double potential) {
+        const std::size_t n = active[p];
+        Search& search = searches[n - first];
+        const double log = log_near_one(density / level_);
+        const double step = search.step(log, potential, cuts_[n].rises, round);
+        if (std::fabs(log) <= log_tolerance) {
+          mesh_.points[n] = point + step * edges_[cuts_[n].direction];
+          mesh_.potential[n] = potential + step * search.potential_slope;
+          cuts_[n].log_slope = search.log_slope;
+          cuts_[n].potential_slope = search.potential_slope;
+        } else {
+          left.push_back(n);
+        }
+      };
+      for_points(active.size(), place, use);
       std::swap(active, left);
-    }
-    for (std::size_t n = 0; n < cuts_.size(); ++n) {
-      cuts_[n].log_slope = searches[n].log_slope;
-      cuts_[n].potential_slope = searches[n].potential_slope;
     }
   }
 
   // Directions outward at the vertices, each facet counted by its area.
   void find_normals() {
-    const Mesh& mesh = meshes_.coarse;
-    normals_.assign(mesh.points.size(), Point{});
-    for (const Facet& f : mesh.facets) {
+    normals_.assign(mesh_.points.size(), Point{});
+    for (const Facet& f : mesh_.facets) {
       const Point twice_area =
-          cross(mesh.points[f[1]] - mesh.points[f[0]], mesh.points[f[2]] - mesh.points[f[0]]);
+          cross(mesh_.points[f[1]] - mesh_.points[f[0]], mesh_.points[f[2]] - mesh_.points[f[0]]);
       for (const unsigned n : f) {
         normals_[n] = normals_[n] + twice_area;
       }
@@ -142,16 +141,15 @@ class Maker {
     for (std::size_t n = 0; n < normals_.size(); ++n) {
       // Without area: away from the inner end of the edge.
       const Point& edge = edges_[cuts_[n].direction];
-      normals_[n] = unit(normals_[n], unit(cuts_[n].ends[1] > 0.0 ? -1.0 * edge : edge, edge));
+      normals_[n] = unit(normals_[n], unit(cuts_[n].rises ? -1.0 * edge : edge, edge));
     }
   }
 
   // The edges of the mesh, those of the lower vertex in a run.
   void number_edges() {
-    const Mesh& mesh = meshes_.coarse;
-    first_edge_.assign(mesh.points.size() + 1, 0);
+    first_edge_.assign(mesh_.points.size() + 1, 0);
     const auto for_each_edge = [&](auto use) {
-      for (const Facet& f : mesh.facets) {
+      for (const Facet& f : mesh_.facets) {
         for (unsigned c = 0; c < 3; ++c) {
           if (const unsigned a = f[c], b = f[(c + 1) % 3]; a < b) {
             use(a, b);
@@ -161,9 +159,9 @@ class Maker {
     };
     for_each_edge([&](unsigned a, unsigned) { ++first_edge_[a + 1]; });
     std::partial_sum(first_edge_.begin(), first_edge_.end(), first_edge_.begin());
-    meshes_.middles.resize(first_edge_.back());
+    mesh_.edges.resize(first_edge_.back());
     std::vector<unsigned> next(first_edge_.begin(), first_edge_.end() - 1);
-    for_each_edge([&](unsigned a, unsigned b) { meshes_.middles[next[a]++] = {a, b}; });
+    for_each_edge([&](unsigned a, unsigned b) { mesh_.edges[next[a]++] = {a, b}; });
   }
 
   unsigned edge_number(unsigned a, unsigned b) const {
@@ -171,84 +169,76 @@ class Maker {
       std::swap(a, b);
     }
     unsigned n = first_edge_[a];
-    while (meshes_.middles[n][1] != b) {
+    while (mesh_.edges[n][1] != b) {
       ++n;
     }
     return n;
   }
 
   void quarter() {
-    const Mesh& coarse = meshes_.coarse;
-    Mesh& fine = meshes_.fine;
     find_normals();
     number_edges();
-    fine.points.reserve(coarse.points.size() + meshes_.middles.size());
-    fine.potential.reserve(coarse.points.size() + meshes_.middles.size());
-    fine.points = coarse.points;
-    fine.potential = coarse.potential;
-    fine.points.resize(coarse.points.size() + meshes_.middles.size());
-    fine.potential.resize(fine.points.size());
-    put_middles();
-    const auto count = static_cast<unsigned>(coarse.points.size());
-    fine.facets.reserve(4 * coarse.facets.size());
-    for (const auto& [a, b, c] : coarse.facets) {
-      const unsigned ab = count + edge_number(a, b), bc = count + edge_number(b, c),
-                     ca = count + edge_number(c, a);
-      fine.facets.insert(fine.facets.end(), {{a, ab, ca}, {b, bc, ab}, {c, ca, bc}, {ab, bc, ca}});
+    mesh_.middles.reserve(mesh_.facets.size());
+    const auto count = static_cast<unsigned>(mesh_.vertex_count);
+    for (const auto& [a, b, c] : mesh_.facets) {
+      mesh_.middles.push_back(
+          {count + edge_number(a, b), count + edge_number(b, c), count + edge_number(c, a)});
     }
+    mesh_.points.resize(mesh_.vertex_count + mesh_.edges.size());
+    mesh_.potential.resize(mesh_.points.size());
+    put_middles();
   }
 
   // Where the surface bulges over an edge follows from how much the normal turns along it; from the density
   // there a step leads on, by what the edges of the lattice tell of the gradient.
   void put_middles() {
-    const Mesh& mesh = meshes_.coarse;
     // Between two normals; of length 1 but for the fourth power of their angle.
     const auto way_of = [&](std::size_t n) {
-      const auto& [a, b] = meshes_.middles[n];
+      const auto& [a, b] = mesh_.edges[n];
       const Point middle = 0.5 * (normals_[a] + normals_[b]);
       return (1.5 - 0.5 * dot(middle, middle)) * middle;
     };
     const auto place = [&](std::size_t n) {
-      const auto& [a, b] = meshes_.middles[n];
-      const Point edge = mesh.points[b] - mesh.points[a];
+      const auto& [a, b] = mesh_.edges[n];
+      const Point edge = mesh_.points[b] - mesh_.points[a];
       const double bulge = dot(edge, normals_[b] - normals_[a]) / 8.0, most = shift_max * length(edge);
-      return 0.5 * (mesh.points[a] + mesh.points[b]) + std::clamp(bulge, -most, most) * way_of(n);
+      return 0.5 * (mesh_.points[a] + mesh_.points[b]) + std::clamp(bulge, -most, most) * way_of(n);
     };
-    for_points(meshes_.middles.size(), fields_, progress_, 0.5, 0.85, place,
-               [&](std::size_t n, const Point& point, double density, double potential) {
-                 take_middle(n, point, way_of(n), density, potential);
-               });
+    for_points(
+        mesh_.edges.size(), place, [&](std::size_t n, const Point& point, double density, double potential) {
+          take_middle(n, point, way_of(n), density, potential);
+          if (n % batch == 0) {
+            progress_->show(0.5 + 0.4 * static_cast<double>(n) / static_cast<double>(mesh_.edges.size()));
+          }
+        });
     // Where the surface turns sharply, once more from where that led to.
     for (unsigned round = 0; round < far_rounds && !far_.empty(); ++round) {
       const std::vector<unsigned> again = std::move(far_);
       far_.clear();
       for_points(
-          again.size(), fields_, progress_, 0.85, 0.9,
-          [&](std::size_t n) { return meshes_.fine.points[first_middle() + again[n]]; },
+          again.size(), [&](std::size_t n) { return mesh_.points[mesh_.vertex_count + again[n]]; },
           [&](std::size_t n, const Point& point, double density, double potential) {
             take_middle(again[n], point, way_of(again[n]), density, potential);
           });
     }
-    meshes_.is_resolved = far_.empty();
+    mesh_.is_resolved = far_.empty();
   }
 
-  std::size_t first_middle() const { return meshes_.coarse.points.size(); }
-
   void take_middle(std::size_t n, const Point& point, const Point& way, double density, double potential) {
-    const auto& [a, b] = meshes_.middles[n];
+    const auto& [a, b] = mesh_.edges[n];
     const Cut &first = cuts_[a], &second = cuts_[b];
     const double slopes = std::fabs(first.log_slope) + std::fabs(second.log_slope);
     const double outward = std::fabs(dot(edges_[first.direction], normals_[a])) +
                            std::fabs(dot(edges_[second.direction], normals_[b]));
     const double log = log_near_one(density / level_),
-                 most = shift_max * distance(meshes_.coarse.points[a], meshes_.coarse.points[b]);
+                 most = shift_max * distance(mesh_.points[a], mesh_.points[b]);
     double shift = 0.0, per_log = 0.0;
     if (slopes > 0.0) {
       shift = std::clamp(log * outward / slopes, -most, most);
       per_log = (sign(first) * first.potential_slope + sign(second) * second.potential_slope) / slopes;
     }
-    meshes_.fine.points[first_middle() + n] = point + shift * way;
-    meshes_.fine.potential[first_middle() + n] = potential - log * per_log;
+    mesh_.points[mesh_.vertex_count + n] = point + shift * way;
+    mesh_.potential[mesh_.vertex_count + n] = potential - log * per_log;
     if (std::fabs(log) > log_far) {
       far_.push_back(static_cast<unsigned>(n));
     }
@@ -256,20 +246,22 @@ class Maker {
 
   static double sign(const Cut& cut) { return cut.log_slope > 0.0 ? 1.0 : -1.0; }
 
+  const Lattice& lattice_;
   std::vector<Cut> cuts_;
-  std::vector<Point> origins_;
   Fields* fields_;
   double level_;
   Progress* progress_;
   Point edges_[8];
+  std::vector<Point> points_;
+  std::vector<double> values_ = std::vector<double>(2 * batch);
   std::vector<Point> normals_;
   std::vector<unsigned> first_edge_;
   std::vector<unsigned> far_;  // middles from which the step to the surface was long
-  Meshes meshes_;
+  Mesh mesh_;
 };
 
 }  // namespace
 
-Meshes mesh_make(const Lattice& lattice, March march, Fields* fields, double level, Progress* progress) {
+Mesh mesh_make(const Lattice& lattice, March march, Fields* fields, double level, Progress* progress) {
   return Maker(lattice, std::move(march), fields, level, progress).make();
 }

@@ -9,20 +9,25 @@
 
 // The surface as facets between points that lie on it, by exact values of the fields.
 
+/// Facets, and their quarters: each facet cut in four at the middles of its edges, which lie on the surface,
+/// too.
 struct Mesh {
-  std::vector<Point> points;      // bohr
+  std::vector<Point> points;      // bohr: the vertices, then the middles of edges
   std::vector<double> potential;  // there, hartree
+  std::size_t vertex_count;
+  std::vector<std::array<unsigned, 2>> edges;  // the ends of each, in the order of their middles
   std::vector<Facet> facets;
-};
+  std::vector<Facet> middles;  // of each facet's edges: from its first vertex to its second, and on
+  bool is_resolved;            // false if a middle is far from the surface: facets span a gap of the density
 
-/// A mesh, and its quarters: each facet cut in four at the middles of its edges, which are put on the
-/// surface. Its first points are those of the coarse mesh.
-struct Meshes {
-  Mesh coarse, fine;
-  std::vector<std::array<unsigned, 2>> middles;  // ends of the edges whose middles are the other points
-  bool is_resolved;  // false if one of them is far from the surface: facets span a gap of the density
+  /// Those at the vertices, and the one between the middles.
+  std::array<Facet, 4> quarters(std::size_t facet) const {
+    const auto& [a, b, c] = facets[facet];
+    const auto& [ab, bc, ca] = middles[facet];
+    return {{{a, ab, ca}, {b, bc, ab}, {c, ca, bc}, {ab, bc, ca}}};
+  }
 };
 
 /// Moves each cut along its edge until the density is within 10^-5 of the level, relatively, then makes the
 /// quarters. A cut that cannot be brought there ends the run: the density jumps.
-Meshes mesh_make(const Lattice& lattice, March march, Fields* fields, double level, Progress* progress);
+Mesh mesh_make(const Lattice& lattice, March march, Fields* fields, double level, Progress* progress);

@@ -325,15 +325,17 @@ void output_mesh(const std::string& path, const Surface& surface) {
                "ply\nformat ascii 1.0\ncomment positions in bohr, values in hartree\nelement vertex %zu\n"
                "property double x\nproperty double y\nproperty double z\nproperty double value\n"
                "element face %zu\nproperty list uchar int vertex_indices\nend_header\n",
-               mesh.points.size(), mesh.facets.size());
+               mesh.points.size(), 4 * mesh.facets.size());
   for (std::size_t n = 0; n < mesh.points.size(); ++n) {
     for (const double x : mesh.points[n]) {
       std::fputs((quantity_text(x, 6) + ' ').c_str(), stream);
     }
     std::fputs((quantity_text(mesh.potential[n], 7) + '\n').c_str(), stream);
   }
-  for (const auto& [a, b, c] : mesh.facets) {
-    std::fprintf(stream, "3 %u %u %u\n", a, b, c);
+  for (std::size_t facet = 0; facet < mesh.facets.size(); ++facet) {
+    for (const auto& [a, b, c] : mesh.quarters(facet)) {
+      std::fprintf(stream, "3 %u %u %u\n", a, b, c);
+    }
   }
   file_close(stream);
 }

@@ -9,12 +9,6 @@
 
 namespace {
 
-void add(const Integrals& part, Integrals* sum) {
-  sum->area += part.area;
-  sum->first += part.first;
-  sum->second += part.second;
-}
-
 Integrals times(double factor, const Integrals& part) {
   return {factor * part.area, factor * part.first, factor * part.second};
 }
@@ -29,7 +23,7 @@ double extrapolated(double coarse, double fine) { return fine + (fine - coarse) 
 
 // The connected pieces, numbered in the order of their first vertices.
 std::vector<unsigned> pieces_of(const Mesh& mesh, unsigned* count) {
-  std::vector<unsigned> parent(mesh.points.size());
+  std::vector<unsigned> parent(mesh.vertex_count);
   std::iota(parent.begin(), parent.end(), 0U);
   const auto root = [&](unsigned n) {
     while (parent[n] != n) {
@@ -43,7 +37,7 @@ std::vector<unsigned> pieces_of(const Mesh& mesh, unsigned* count) {
       parent[std::max(a, b)] = std::min(a, b);
     }
   }
-  std::vector<unsigned> piece(mesh.points.size());
+  std::vector<unsigned> piece(mesh.vertex_count);
   *count = 0;
   for (unsigned n = 0; n < piece.size(); ++n) {
     const unsigned first = root(n);  // never behind n
@@ -59,17 +53,17 @@ struct PieceSums {
 
 class Adder {
  public:
-  Adder(const Meshes& meshes, const Owners& owners, unsigned atom_count)
-      : owners_(owners), reference_(meshes.coarse.potential[0]), origin_(meshes.coarse.points[0]) {
+  Adder(const Mesh& mesh, const Owners& owners, unsigned atom_count)
+      : owners_(owners), reference_(mesh.potential[0]), origin_(mesh.points[0]) {
     shares_.atoms.resize(atom_count);
-    find_owners(meshes);
+    find_owners(mesh);
     unsigned piece_count;
-    piece_of_ = pieces_of(meshes.coarse, &piece_count);
-    take_values(meshes.fine);
+    piece_of_ = pieces_of(mesh, &piece_count);
+    take_values(mesh);
     atoms_.resize(atom_count);
     pieces_.resize(piece_count);
-    for (std::size_t n = 0; n < meshes.coarse.facets.size(); ++n) {
-      add_facet(meshes, n);
+    for (std::size_t n = 0; n < mesh.facets.size(); ++n) {
+      add_facet(mesh, n);
     }
     for (unsigned atom = 0; atom < atom_count; ++atom) {
       shares_.atoms[atom].is_empty = !(atoms_[atom].area > 0.0);
@@ -83,15 +77,15 @@ class Adder {
 
  private:
   // The middle of an edge is nearly always with the ends if these are together.
-  void find_owners(const Meshes& meshes) {
-    owner_of_ = owners_.of(meshes.coarse.points);
+  void find_owners(const Mesh& mesh) {
+    owner_of_ = owners_.of(std::span(mesh.points).first(mesh.vertex_count));
     std::vector<std::size_t> between;
     std::vector<Point> places;
-    owner_of_.reserve(meshes.fine.points.size());
-    for (const auto& [a, b] : meshes.middles) {
+    owner_of_.reserve(mesh.points.size());
+    for (const auto& [a, b] : mesh.edges) {
       if (owner_of_[a] != owner_of_[b]) {
         between.push_back(owner_of_.size());
-        places.push_back(meshes.fine.points[owner_of_.size()]);
+        places.push_back(mesh.points[owner_of_.size()]);
       }
       owner_of_.push_back(owner_of_[a]);
     }
@@ -104,9 +98,11 @@ class Adder {
   // A vertex of a facet that has several owners is as good as at the border.
   void take_values(const Mesh& mesh) {
     std::vector<unsigned char> is_at_border(mesh.points.size());
-    for (const auto& [a, b, c] : mesh.facets) {
-      if (owner_of_[a] != owner_of_[b] || owner_of_[a] != owner_of_[c]) {
-        is_at_border[a] = is_at_border[b] = is_at_border[c] = 1;
+    for (std::size_t facet = 0; facet < mesh.facets.size(); ++facet) {
+      for (const auto& [a, b, c] : mesh.quarters(facet)) {
+        if (owner_of_[a] != owner_of_[b] || owner_of_[a] != owner_of_[c]) {
+          is_at_border[a] = is_at_border[b] = is_at_border[c] = 1;
+        }
       }
     }
     for (std::size_t n = 0; n < mesh.points.size(); ++n) {
@@ -134,31 +130,44 @@ class Adder {
     return place;
   }
 
-  // A facet of the coarse mesh, and its quarters.
-  void add_facet(const Meshes& meshes, std::size_t number) {
-    const FacetPlace place = place_of(meshes.coarse, meshes.coarse.facets[number]);
-    PieceSums& piece = pieces_[piece_of_[meshes.coarse.facets[number][0]]];
-    const Integrals coarse = facet_integrals(place);
+  // Of a facet, with the pyramid over it whose tip is the origin.
+  Integrals integrals(const FacetPlace& place, double* volume) const {
+    const Point twice_area = facet_twice_area(place.vertices);
+    *volume += dot(place.vertices[0] - origin_, twice_area) / 6.0;
+    return integrals_of(0.5 * length(twice_area), place.values[0], place.values[1], place.values[2]);
+  }
+
+  // A facet, and its quarters.
+  void add_facet(const Mesh& mesh, std::size_t number) {
+    const FacetPlace place = place_of(mesh, mesh.facets[number]);
+    PieceSums& piece = pieces_[piece_of_[mesh.facets[number][0]]];
+    const Integrals coarse = integrals(place, &piece.coarse_volume);
     piece.coarse_area += coarse.area;
-    piece.coarse_volume += facet_volume(place, origin_);
     ++piece.facets;
+    const std::array quarters = mesh.quarters(number);
+    const auto& [ab, bc, ca] = mesh.middles[number];
+    const unsigned owner = place.owners[0];
+    const bool is_shared = owner != place.owners[1] || owner != place.owners[2] || owner != owner_of_[ab] ||
+                           owner != owner_of_[bc] || owner != owner_of_[ca];
     Integrals fine;
     parts_.clear();
-    const std::span quarters = std::span(meshes.fine.facets).subspan(4 * number, 4);
-    const auto& [middle_ab, middle_bc, middle_ca] = quarters[3];
-    const auto& points = meshes.fine.points;
-    const Patch patch = {{place.vertices[0], place.vertices[1], place.vertices[2], points[middle_bc],
-                          points[middle_ca], points[middle_ab]}};
     for (unsigned quarter = 0; quarter < 4; ++quarter) {
-      const FacetPlace part = place_of(meshes.fine, quarters[quarter]);
-      piece.fine_volume += facet_volume(part, origin_);
-      add(facet_integrals(part), &fine);
-      facet_share(part, patch, quarter, owners_, &parts_);
+      const FacetPlace part = place_of(mesh, quarters[quarter]);
+      add(integrals(part, &piece.fine_volume), &fine);
+      if (is_shared) {
+        const Patch patch = {{place.vertices[0], place.vertices[1], place.vertices[2], mesh.points[bc],
+                              mesh.points[ca], mesh.points[ab]}};
+        facet_share(part, patch, quarter, owners_, &parts_);
+      }
     }
     piece.fine_area += fine.area;
     const Integrals rest = beyond(coarse, fine);
     add(fine, &whole_);
     add(rest, &whole_);
+    if (!is_shared) {
+      add(fine, &atoms_[owner]);
+      add(rest, &atoms_[owner]);
+    }
     for (const FacetPart& part : parts_) {
       add(part.integrals, &atoms_[part.owner]);
       if (fine.area > 0.0) {
@@ -199,6 +208,6 @@ class Adder {
 
 }  // namespace
 
-Shares shares_of(const Meshes& meshes, const Owners& owners, unsigned atom_count) {
-  return Adder(meshes, owners, atom_count).take();
+Shares shares_of(const Mesh& mesh, const Owners& owners, unsigned atom_count) {
+  return Adder(mesh, owners, atom_count).take();
 }

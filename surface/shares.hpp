@@ -43,5 +43,6 @@ struct Shares {
   std::vector<Share> atoms;
 };
 
-/// Adds up both meshes and extrapolates to facets without size, as errors go with their size squared.
-Shares shares_of(const Meshes& meshes, const Owners& owners, unsigned atom_count);
+/// Adds up the facets and their quarters, and extrapolates to facets without size, as errors go with their
+/// size squared.
+Shares shares_of(const Mesh& mesh, const Owners& owners, unsigned atom_count);

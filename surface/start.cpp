@@ -76,11 +76,9 @@ void start_cut(const Planes& planes, const Sites& sites, Cut* cut) {
     logs[n] = values.log;
     potentials[n] = values.potential;
   }
-  const std::size_t inner = planes.sides(sites.points[1].plane)[sites.points[1].at] != 0 ? 1 : 2;
+  const std::size_t inner = cut->rises ? 2 : 1;
   logs[inner] = std::max(logs[inner], quantum);
   logs[3 - inner] = std::min(logs[3 - inner], -quantum);
-  cut->ends[0] = logs[1];
-  cut->ends[1] = logs[2];
   has_four = has_four && std::ranges::all_of(potentials, [](double p) { return std::isfinite(p); });
   if (has_four) {
     const Cubic cubic(logs);

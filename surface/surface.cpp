@@ -66,18 +66,18 @@ Surface surface_of(const Molecule* molecule, const SurfaceSettings& settings, co
     if (found.facets.empty()) {
       msg_fatal_format("the density nowhere reaches %g bohr^-3", settings.level);
     }
-    Meshes meshes = mesh_make(attempt.lattice, std::move(found), &attempt.fields, settings.level, &progress);
-    Shares shares = shares_of(meshes, owners, molecule->atom_count);
-    if ((!meshes.is_resolved || has_small_piece(shares)) && halvings < halvings_max) {
+    Mesh mesh = mesh_make(attempt.lattice, std::move(found), &attempt.fields, settings.level, &progress);
+    Shares shares = shares_of(mesh, owners, molecule->atom_count);
+    if ((!mesh.is_resolved || has_small_piece(shares)) && halvings < halvings_max) {
       ++halvings;
       step *= 0.5;
       continue;
     }
-    Extrema extrema = extrema_of(meshes.fine, owners, &attempt.fields, settings.level);
+    Extrema extrema = extrema_of(mesh, owners, &attempt.fields, settings.level);
     for (const Extremum& extremum : extrema.list) {
       take_extremum(extremum, &shares.range);
       take_extremum(extremum, &shares.atoms[extremum.atom].within);
     }
-    return {std::move(shares), std::move(extrema), std::move(meshes.fine), step};
+    return {std::move(shares), std::move(extrema), std::move(mesh), step};
   }
 }

@@ -13,7 +13,7 @@ struct SurfaceSettings {
 struct Surface {
   Shares shares;  // with the extrema in its ranges
   Extrema extrema;
-  Mesh mesh;    // the fine one
+  Mesh mesh;
   double step;  // bohr: as asked, or halved until no piece is small
 };
 

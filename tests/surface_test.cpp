@@ -164,11 +164,11 @@ TEST(Surface, EdgesHaveTwoFacetsAndVerticesTheDensity) {
     Progress progress;
     March found = march(molecule.get(), lattice, &values, 0.001, &progress);
     ASSERT_EQ(found.end, March::End::done);
-    const Meshes meshes = mesh_make(lattice, std::move(found), &values, 0.001, &progress);
+    const Mesh mesh = mesh_make(lattice, std::move(found), &values, 0.001, &progress);
     std::map<std::pair<unsigned, unsigned>, unsigned> edges;
-    for (const Facet& facet : meshes.fine.facets) {
-      for (unsigned c = 0; c < 3; ++c) {
-        ++edges[{facet[c], facet[(c + 1) % 3]}];
+    for (std::size_t facet = 0; facet < mesh.facets.size(); ++facet) {
+      for (const auto& [a, b, c] : mesh.quarters(facet)) {
+        ++edges[{a, b}], ++edges[{b, c}], ++edges[{c, a}];
       }
     }
     const auto is_paired = [&](const auto& edge) {
@@ -176,10 +176,10 @@ TEST(Surface, EdgesHaveTwoFacetsAndVerticesTheDensity) {
       return edge.second == 1 && other != edges.end() && other->second == 1;
     };
     EXPECT_TRUE(std::ranges::all_of(edges, is_paired));
-    std::vector<double> there(2 * meshes.fine.points.size());
-    values.at(meshes.fine.points, there);
-    for (std::size_t n = 0; n < meshes.fine.points.size(); ++n) {
-      const bool is_vertex = n < meshes.coarse.points.size();
+    std::vector<double> there(2 * mesh.points.size());
+    values.at(mesh.points, there);
+    for (std::size_t n = 0; n < mesh.points.size(); ++n) {
+      const bool is_vertex = n < mesh.vertex_count;
       ASSERT_PRED3([](double a, double b, double part) { return std::fabs(a / b - 1.0) < part; }, there[n],
                    0.001, is_vertex ? 1e-5 : 1e-2);
     }
