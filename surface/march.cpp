@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr std::size_t cuts_max = 20'000'000;
+constexpr std::size_t cuts_max = 4'000'000;  // a gigabyte
 constexpr unsigned no_cut = ~0U;
 constexpr double neighbourhood = 1.2;  // bohr
 

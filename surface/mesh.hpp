@@ -18,7 +18,7 @@ struct Mesh {
   std::vector<std::array<unsigned, 2>> edges;  // the ends of each, in the order of their middles
   std::vector<Facet> facets;
   std::vector<Facet> middles;  // of each facet's edges: from its first vertex to its second, and on
-  bool is_resolved;            // false if a middle is far from the surface: facets span a gap of the density
+  bool is_resolved;  // false if many middles are far from the surface: facets span a gap of the density
 
   /// Those at the vertices, and the one between the middles.
   std::array<Facet, 4> quarters(std::size_t facet) const {
