@@ -7,6 +7,7 @@
 #include "app/input/convention.hpp"
 #include "app/input/input.hpp"
 #include "app/input/options.hpp"
+#include "app/model/memory.hpp"
 #include "app/model/setup.hpp"
 #include "lib/file.hpp"
 #include "lib/message.hpp"
