@@ -8,6 +8,7 @@
 #include "app/field/instruction_sets.hpp"
 #include "app/input/fcheck.hpp"
 #include "app/input/wfn.hpp"
+#include "app/model/memory.hpp"
 #include "app/model/setup.hpp"
 #include "fuzz.hpp"
 #include "surface/output.hpp"
