@@ -1,8 +1,13 @@
 #include "surface/child.hpp"
 
 #include <poll.h>
+#include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 #include <array>
 #include <cerrno>
@@ -33,8 +38,20 @@ struct Pipe {
   }
 };
 
+// A page that the system takes back and gives again costs as much as ten points of the surface. The process
+// keeps what it has, and ends soon.
+void keep_memory() {
+#if defined(__GLIBC__)
+  constexpr int never = 1 << 30, ahead = 16 << 20;  // bytes
+  mallopt(M_MMAP_THRESHOLD, never);
+  mallopt(M_TRIM_THRESHOLD, never);
+  mallopt(M_TOP_PAD, ahead);
+#endif
+}
+
 [[noreturn]] void be_child(const std::function<void(const ChildStreams&)>& work, const Pipe& messages,
                            const Pipe& result) {
+  keep_memory();
   close(messages.read);
   close(result.read);
   const int own_errors = dup(STDERR_FILENO);

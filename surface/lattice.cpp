@@ -48,9 +48,10 @@ void mark_rows(const Atom& atom, double reach, Lattice* lattice) {
     }
     const double y = atom.coord[b] - points[0][b], half = std::sqrt(chord);
     const double first = std::max(0.0, std::ceil((y - half) / step));
-    const double last = std::min(count[1] - 1.0, std::floor((y + half) / step));
-    for (double j = first; j <= last; ++j) {
-      lattice->rows[std::size_t{i} * count[1] + static_cast<std::size_t>(j)] = 1;
+    const double end = std::min<double>(count[1], std::floor((y + half) / step) + 1.0);
+    if (first < end) {
+      const auto row = lattice->rows.begin() + static_cast<std::ptrdiff_t>(std::size_t{i} * count[1]);
+      std::fill(row + static_cast<std::ptrdiff_t>(first), row + static_cast<std::ptrdiff_t>(end), 1);
     }
   }
 }
