@@ -56,6 +56,7 @@ void compute(const std::string& input, const SurfaceOptions& options, const Chil
     output_mesh(options.mesh, surface);
   }
   output_surface(streams.result(), input, molecule, surface, options);
+  mem_clean(&molecule, nullptr);
 }
 
 void tell(const std::string& input, const Outcome& outcome) {
