@@ -79,7 +79,10 @@ void collect(int messages, int result, std::string* told, std::string* written) 
   const std::array<std::string*, 2> texts = {told, written};
   char piece[65536];
   while (waits[0].fd >= 0 || waits[1].fd >= 0) {
-    if (poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) {
+    if (poll(waits.data(), waits.size(), -1) < 0) {
+      if (errno == EINTR) {
+        continue;
+      }
       return;
     }
     for (std::size_t n = 0; n < waits.size(); ++n) {
@@ -133,11 +136,8 @@ Outcome child_run(const std::function<void(const ChildStreams&)>& work) {
   close(messages.write);
   close(result.write);
   std::string told;
-  int status = 0;
   if (child > 0) {
     collect(messages.read, result.read, &told, &outcome.result);
-    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-    }
   }
   close(messages.read);
   close(result.read);
@@ -145,10 +145,17 @@ Outcome child_run(const std::function<void(const ChildStreams&)>& work) {
     outcome.error = "cannot make a process";
     return outcome;
   }
+  int status = 0;
+  pid_t ended;
+  do {
+    ended = waitpid(child, &status, 0);
+  } while (ended < 0 && errno == EINTR);
   read_messages(told, &outcome);
-  if (WIFSIGNALED(status)) {
+  if (ended < 0) {
+    outcome.error = "how its process ended is not known";
+  } else if (WIFSIGNALED(status)) {
     outcome.error = std::string("its process was ended: ") + strsignal(WTERMSIG(status));
-  } else if (status != 0 && outcome.error.empty() && outcome.result.empty()) {
+  } else if (outcome.error.empty() && outcome.result.empty()) {
     outcome.error = "its process ended without a result";
   }
   outcome.is_complete = status == 0 && outcome.error.empty();

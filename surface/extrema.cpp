@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <span>
 #include <tuple>
 
 #include "surface/logarithm.hpp"
@@ -20,6 +21,7 @@ constexpr double push = 0.05;         // bohr, off a saddle point that symmetry 
 constexpr double same_weight = 1e-5;  // of atoms that symmetry makes equal owners of an extremum
 constexpr double same_place = 0.05;   // bohr
 constexpr unsigned rounds_max = 60, pushes_max = 2;
+constexpr std::size_t batch_size = 1000;  // of starts
 
 // Points around a place, in a frame along and across the surface.
 constexpr std::size_t stencil_size = 9;
@@ -188,12 +190,12 @@ std::vector<Walker> walkers_of(const Mesh& mesh) {
   return walkers;
 }
 
-void walk(std::vector<Walker>* walkers, Fields* fields, double level) {
+void walk(std::span<Walker> walkers, Fields* fields, double level) {
   std::vector<Point> points;
   std::vector<double> values;
   for (unsigned round = 0; round < rounds_max; ++round) {
     points.clear();
-    for (const Walker& walker : *walkers) {
+    for (const Walker& walker : walkers) {
       if (walker.state == Walker::State::walking) {
         for (const auto& [u, w, n] : stencil) {
           points.push_back(walker.place + walker.frame.of(difference * u, difference * w, difference * n));
@@ -203,7 +205,7 @@ void walk(std::vector<Walker>* walkers, Fields* fields, double level) {
     values.resize(2 * points.size());
     fields->at(points, values);
     std::size_t first = 0;
-    for (Walker& walker : *walkers) {
+    for (Walker& walker : walkers) {
       if (walker.state == Walker::State::walking) {
         double logs[stencil_size], potentials[stencil_size];
         for (std::size_t n = 0; n < stencil_size; ++n, ++first) {
@@ -228,7 +230,12 @@ auto order_of(const Extremum& extremum) {
 
 Extrema extrema_of(const Mesh& mesh, const Owners& owners, Fields* fields, double level) {
   std::vector<Walker> walkers = walkers_of(mesh);
-  walk(&walkers, fields, level);
+  // In batches: on a flat surface there are very many.
+  for (std::span<Walker> rest(walkers); !rest.empty();) {
+    const std::size_t count = std::min(rest.size(), batch_size);
+    walk(rest.first(count), fields, level);
+    rest = rest.subspan(count);
+  }
   Extrema extrema = {{}, 0};
   for (const Walker& walker : walkers) {
     const bool is_maximum = walker.sign < 0.0;

@@ -1,3 +1,7 @@
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
@@ -40,6 +44,11 @@ void set_input(const std::string& input, const SurfaceOptions& options) {
   if (!options.mesh.empty()) {
     const NamedFile files[] = {{"input file", input}, {"mesh", options.mesh}};
     file_check_distinct(files);
+    struct stat mesh, output;
+    if (stat(options.mesh.c_str(), &mesh) == 0 && fstat(STDOUT_FILENO, &output) == 0 &&
+        mesh.st_dev == output.st_dev && mesh.st_ino == output.st_ino) {
+      msg_fatal("the mesh cannot go where the numbers go");  // which is the parent's pipe here
+    }
   }
 }
 
@@ -51,6 +60,9 @@ void compute(const std::string& input, const SurfaceOptions& options, const Chil
   input_read(&molecule);
   const Owners owners(&molecule, options.shares_by_radii ? owners_radii(&molecule) : std::vector<double>{});
   streams.show_errors();
+  if (!options.mesh.empty()) {
+    file_close(file_open(options.mesh.c_str(), "a"));  // what cannot be written is better told at once
+  }
   const Surface surface = surface_of(&molecule, options.settings, owners);
   if (!options.mesh.empty()) {
     output_mesh(options.mesh, surface);
@@ -59,7 +71,10 @@ void compute(const std::string& input, const SurfaceOptions& options, const Chil
   mem_clean(&molecule, nullptr);
 }
 
-void tell(const std::string& input, const Outcome& outcome) {
+void tell(std::string input, const Outcome& outcome) {
+  // Whatever the file's name, a line is a line.
+  std::ranges::replace_if(
+      input, [](char c) { return c > '\0' && c < ' '; }, '?');
   for (const std::string& warning : outcome.warnings) {
     std::fprintf(stderr, "orva-surface: %s: warning: %s\n", input.c_str(), warning.c_str());
   }
@@ -85,6 +100,7 @@ void put(const std::string& input, const Outcome& outcome, Form form, bool is_fi
 int main(int argc, char** argv) {
   file_prepare_process();
   std::signal(SIGPIPE, SIG_IGN);  // a pipe that closes is text that cannot be written
+  std::signal(SIGCHLD, SIG_DFL);  // where it is ignored, nobody learns how a child has ended
   const SurfaceOptions options = surface_options(argc, argv);
   std::fputs(output_heading(options).c_str(), stdout);
   bool is_any_missing = false, is_first = true;

@@ -119,6 +119,9 @@ const Option& option_of(std::string_view argument) {
 }
 
 void take_value(const Option& option, const std::string& value, Taken* taken) {
+  if (value.empty()) {
+    refuse("--" + std::string(option.name) + " needs a value");
+  }
   if (!option.choices.empty() && !is_choice(option.choices, value)) {
     refuse("--" + std::string(option.name) + " is one of " + std::string(option.choices) + ", not \"" +
            value + '"');

@@ -286,6 +286,8 @@ TEST_F(SurfaceRun, AnilineHasItsKnownMinima) {
     EXPECT_NEAR(found, value, 6e-5);
     EXPECT_EQ(number, atom) << line;
   }
+  const std::string all = "--csv --extrema " ORVA_EXAMPLES "/aniline.fchk | cut -d, -f2,7 | grep -c ";
+  EXPECT_EQ(run(all + "'minimum,[46]$'").second, "0\n") << "over meta carbons";
 }
 
 TEST_F(SurfaceRun, WhatCannotBeIsOneLineAndTheOthersGoOn) {
@@ -297,6 +299,11 @@ TEST_F(SurfaceRun, WhatCannotBeIsOneLineAndTheOthersGoOn) {
   const auto [status, output] = run("--csv empty missing " + water + " 2>errors | cut -d, -f2,3; cat errors");
   EXPECT_EQ(output, "number,symbol\n1,O\n2,H\n3,H\n" + told);
   EXPECT_EQ(run("empty " + water).first, 1);
+  write_file(here / "nan", broken(read_file(water), "-2.05629890e+01", "            NaN"));
+  EXPECT_EQ(run("nan").second,
+            "orva-surface: nan: the potential on the surface is no number, or too large\n");
+  EXPECT_EQ(run("--mesh /dev/stdout " + water).second,
+            "orva-surface: " + water + ": the mesh cannot go where the numbers go\n");
   EXPECT_EQ(run(water).first, 0);
   EXPECT_EQ(run("--level 400 --json " + water).second,
             "orva-surface: " + water + ": the density nowhere reaches 400 bohr^-3\n{\"input\": \"" + water +
