@@ -116,6 +116,8 @@ void read_messages(std::string_view told, Outcome* outcome) {
 
 void ChildStreams::show_errors() const { dup2(own_errors_, STDERR_FILENO); }
 
+void ChildStreams::collect_errors() const { dup2(STDOUT_FILENO, STDERR_FILENO); }
+
 Outcome child_run(const std::function<void(const ChildStreams&)>& work) {
   Outcome outcome = {};
   Pipe messages, result;

@@ -23,6 +23,9 @@ class ChildStreams {
   /// Standard error is the terminal's from here on, for progress; what is told is lost.
   void show_errors() const;
 
+  /// What is told is collected again.
+  void collect_errors() const;
+
  private:
   std::FILE* result_;
   int own_errors_;

@@ -64,6 +64,11 @@ void compute(const std::string& input, const SurfaceOptions& options, const Chil
     file_close(file_open(options.mesh.c_str(), "a"));  // what cannot be written is better told at once
   }
   const Surface surface = surface_of(&molecule, options.settings, owners);
+  streams.collect_errors();
+  if (!surface.is_resolved) {
+    msg_tell("a piece or a gap of the surface is small for steps of %g bohr, the smallest that were tried",
+             surface.step);
+  }
   if (!options.mesh.empty()) {
     output_mesh(options.mesh, surface);
   }

@@ -103,15 +103,12 @@ Surface surface_of(const Molecule* molecule, const SurfaceSettings& settings, co
       step *= 0.5;
       continue;
     }
-    if (!mesh.is_resolved || has_small_piece(shares)) {
-      msg_tell("a piece or a gap of the surface is small for steps of %g bohr, the smallest that were tried",
-               step);
-    }
+    const bool is_resolved = mesh.is_resolved && !has_small_piece(shares);
     Extrema extrema = extrema_of(mesh, owners, &attempt.fields, settings.level);
     for (const Extremum& extremum : extrema.list) {
       take_extremum(extremum, &shares.range);
       take_extremum(extremum, &shares.atoms[extremum.atom].within);
     }
-    return {std::move(shares), std::move(extrema), std::move(mesh), step};
+    return {std::move(shares), std::move(extrema), std::move(mesh), step, is_resolved};
   }
 }

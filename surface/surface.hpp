@@ -14,7 +14,8 @@ struct Surface {
   Shares shares;  // with the extrema in its ranges
   Extrema extrema;
   Mesh mesh;
-  double step;  // bohr: as asked, or halved until no piece is small
+  double step;       // bohr: as asked, or halved until no piece is small
+  bool is_resolved;  // whether that was reached
 };
 
 /// Computes all of it, and shows its progress. Ends the run with one line where the density nowhere reaches
