@@ -21,7 +21,7 @@ namespace {
 
 // A surface that is near enough to the nuclei for many passes a second.
 bool is_small(const Molecule& molecule) {
-  constexpr double extent_max = 10.0, exponent_min = 0.05;
+  constexpr double extent_max = 4.0, exponent_min = 0.1;
   const auto is_near = [](const Atom& atom) {
     return std::ranges::all_of(atom.coord, [](double x) { return std::fabs(x) <= extent_max; });
   };
@@ -29,7 +29,7 @@ bool is_small(const Molecule& molecule) {
     return std::ranges::all_of(std::span(function.exponents, function.primitive_count),
                                [](double exponent) { return exponent >= exponent_min; });
   };
-  return molecule.atom_count <= 8 && molecule.basis_count <= 40 && molecule.primitive_count <= 80 &&
+  return molecule.atom_count <= 3 && molecule.basis_count <= 16 && molecule.primitive_count <= 40 &&
          std::ranges::all_of(std::span(molecule.atoms, molecule.atom_count), is_near) &&
          std::ranges::all_of(std::span(molecule.basis, molecule.basis_count), is_compact);
 }
