@@ -20,7 +20,7 @@ class ChildStreams {
 
   std::FILE* result() const { return result_; }
 
-  /// Standard error is the terminal's from here on, for progress; what is told is lost.
+  /// Standard error is the terminal's, for progress, up to collect_errors: nothing is to be told meanwhile.
   void show_errors() const;
 
   /// What is told is collected again.
