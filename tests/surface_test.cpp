@@ -80,7 +80,8 @@ TEST(Surface, PLobesAreThoseOfASolidOfRevolution) {
   const auto square = [&](double x) { return std::log(factor * x * x / level) / (2.0 * exponent) - x * x; };
   double area = 0.0, volume = 0.0;
   const double step = 1e-5;
-  for (double x = 0.5 * step; x < 10.0; x += step) {
+  for (int slice = 0; slice < 1'000'000; ++slice) {
+    const double x = (slice + 0.5) * step;
     if (const double r = square(x); r > 0.0) {
       const double half_slope = 0.5 / (exponent * x) - x;  // of R², so R R'
       area += 2.0 * pi * step * std::sqrt(r + half_slope * half_slope);
