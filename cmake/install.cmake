@@ -5,9 +5,9 @@ include(CMakePackageConfigHelpers)
 
 # The program, its companions, what they say about themselves.
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME program)
-install(TARGETS orva RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS orva orva-surface RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(PROGRAMS tools/orva-grid tools/orva-view DESTINATION ${CMAKE_INSTALL_BINDIR})
-foreach(page orva.1 orva-grid.1 orva-view.1 orva.conf.5)
+foreach(page orva.1 orva-surface.1 orva-grid.1 orva-view.1 orva.conf.5)
   string(REGEX MATCH ".$" section ${page})
   install(FILES doc/${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section})
 endforeach()
@@ -50,7 +50,8 @@ set(CPACK_DEBIAN_PROGRAM_DESCRIPTION
 "ORVA reads the wavefunction of a molecule from a Gaussian formatted
 checkpoint file or a WFN file, reports what it found, and writes the total
 electron density, molecular orbitals and the average local ionization
-potential as cube files that any molecular viewer opens.
+potential as cube files that any molecular viewer opens. orva-surface gives
+the potential on a surface of the density as numbers: areas, means, minima.
 .
 Its companions need Python: orva-grid prints a grid that holds the whole
 surface of a molecule, orva-view shows a field on it in a browser.")

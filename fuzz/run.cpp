@@ -8,6 +8,7 @@
 #include "app/field/rows/rows.hpp"
 #include "app/input/input.hpp"
 #include "app/input/options.hpp"
+#include "app/model/memory.hpp"
 #include "app/model/occupation.hpp"
 #include "app/model/setup.hpp"
 #include "app/report.hpp"

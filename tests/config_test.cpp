@@ -84,8 +84,8 @@ TEST_F(Config, WhatIsTakenForAnotherSettingIsTold) {
       {"PRINT_MO 1 yes", nullptr},
   };
   for (const auto& [line, text] : lines) {
-    EXPECT_EQ(told([&] { read_config(std::string(line) + "\n"); }),
-              text != nullptr ? formatted("warning: %s\n", text) : "")
+    const std::string config = std::string(line) + "\n";
+    EXPECT_EQ(told([&] { read_config(config); }), text != nullptr ? formatted("warning: %s\n", text) : "")
         << line;
   }
 }

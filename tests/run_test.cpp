@@ -1,7 +1,5 @@
 // The built program, run as its users run it.
 
-#include <sys/wait.h>
-
 #include "app/cube/cube.hpp"
 #include "app/listing/basis.hpp"
 #include "app/listing/orbit.hpp"
@@ -9,15 +7,6 @@
 #include "small_files.hpp"
 
 namespace {
-
-/// Status and output (standard output and standard error) of a command of the shell, run in `directory`.
-std::pair<int, std::string> run_command(const Scratch& directory, const std::string& command) {
-  const std::string in_directory = "cd " + directory.path().string() + " && ";
-  const int status = std::system((in_directory + "(" + command + ") >.output 2>&1").c_str());
-  const std::string output = read_file(directory / ".output");
-  std::filesystem::remove(directory / ".output");
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
-}
 
 /// The same of the program; `arguments` are words of the shell.
 std::pair<int, std::string> run(const Scratch& directory, const std::string& arguments) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -129,4 +130,13 @@ inline std::string read_file(const std::filesystem::path& path) {
   std::ostringstream text;
   text << std::ifstream(path, std::ios::binary).rdbuf();
   return text.str();
+}
+
+/// Status and output (standard output and standard error) of a command of the shell, run in `directory`.
+inline std::pair<int, std::string> run_command(const Scratch& directory, const std::string& command) {
+  const std::string in_directory = "cd " + directory.path().string() + " && ";
+  const int status = std::system((in_directory + "(" + command + ") >.output 2>&1").c_str());
+  const std::string output = read_file(directory / ".output");
+  std::filesystem::remove(directory / ".output");
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
 }

@@ -292,14 +292,19 @@ void tell_if_energies_are_odd(const Molecule* molecule) {
 
 }  // namespace
 
-void convention_tell_format(std::string_view beginning) {
-  beginning = beginning.substr(0, 4096);
+int convention_format_of(std::string_view beginning) {
+  beginning = beginning.substr(0, convention_beginning);
   const auto has = [&](const char* text) { return beginning.find(text) != beginning.npos; };
   const bool is_fchk = has("\nNumber of atoms ") || has("\nNumber of electrons "),
              is_wfn = has(" MOL ORBITALS ");
-  if (inp_format == input_wfn && is_fchk && !is_wfn) {
+  return is_fchk == is_wfn ? 0 : is_fchk ? input_fchk : input_wfn;
+}
+
+void convention_tell_format(std::string_view beginning) {
+  const int format = convention_format_of(beginning);
+  if (inp_format == input_wfn && format == input_fchk) {
     msg_tell("the input file looks like a formatted checkpoint file: -t fchk");
-  } else if (inp_format == input_fchk && is_wfn && !is_fchk) {
+  } else if (inp_format == input_fchk && format == input_wfn) {
     msg_tell("the input file looks like a WFN file: -t wfn");
   }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 struct Molecule;
@@ -7,6 +8,12 @@ struct Molecule;
 // What an input file means. Its format leaves open what orbital coefficients multiply, in which order some
 // functions stand, and which orbitals are occupied; INPUT_CONVENTION 0 takes this program's own view, 1 that
 // of the programs that write such files. Whatever looks as if a file was not meant as it is read is told.
+
+/// Of a file, so many bytes are looked into to know its format.
+inline constexpr std::size_t convention_beginning = 4096;
+
+/// The format that the beginning of a file shows, input_fchk or input_wfn; 0 if it shows none, or both.
+int convention_format_of(std::string_view beginning);
 
 /// Tells if the beginning of the input is of the other format than inp_format's.
 void convention_tell_format(std::string_view beginning);
