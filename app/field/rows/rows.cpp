@@ -43,7 +43,7 @@ RowSweep::RowSweep(std::unique_ptr<RowTables> tables, const RowKernel& kernel, c
     const double length = std::max({std::fabs(step[0]), std::fabs(step[1]), std::fabs(step[2])});
     together_max_ = 1 + static_cast<unsigned>(std::min(together_most - 1.0, together_width / length));
   }
-  fields_.resize(together_max_ * piece_.row_stride);
+  fields_.resize(together_max_ * piece_.row_stride, 0.0);
   tolerances_.resize(fields_.size(), HUGE_VAL);  // which is what they stay out of sight
   lay_out();
 }

@@ -50,9 +50,9 @@ class OrbitalBuilder {
     const unsigned chunk_max = (count + plan.chunk_count - 1) / plan.chunk_count;
     plan.stride = (chunk_max + kernel_.lanes - 1) / kernel_.lanes * kernel_.lanes;
     const std::size_t size = tables_.monomials.size() * plan.stride;
-    tables_.coefficients.resize(size * plan.chunk_count);
+    tables_.coefficients.resize(size * plan.chunk_count, 0.0);
     const bool has_bounds = plan.field != FieldKind::density_and_potential && count > 1;
-    tables_.magnitudes.resize(has_bounds ? tables_.coefficients.size() : 0);
+    tables_.magnitudes.resize(has_bounds ? tables_.coefficients.size() : 0, 0.0);
     for (const WeightedOrbital& entry : orbitals_) {
       const auto& [orbital, weight] = entry;
       // Of sums with negative terms nothing is known relative to the sum.

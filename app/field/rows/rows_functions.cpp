@@ -260,6 +260,7 @@ class FunctionBuilder {
       }
       double* const peaks = take(std::size_t{row_powers} * tables_.plan.tile_room);
       term.peaks = peaks;
+      std::fill(peaks, room, 0.0);
       for (unsigned k = 0; k < points; ++k) {
         double value = term.along[k];
         for (unsigned power = 0; power < row_powers; ++power) {
