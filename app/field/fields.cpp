@@ -66,14 +66,19 @@ struct Fields::State {
     }
   }
 
-  void run_row(bool by_rows) {
-    if (by_rows) {
-      if (rows->run(i, j)) {
-        held = Held::row;
+  // At most so many rows.
+  void run_rows(unsigned most) {
+    if (rows != nullptr && pause == 0) {
+      row_count = std::min(rows->run(i, j), most);
+      if (row_count > 0) {
+        held = Held::rows;
         return;
       }
       set_pause(false);
+    } else if (rows != nullptr) {
+      --pause;
     }
+    row_count = 1;
     const std::size_t length = cube->npoints[2];
     exact_row.resize(field_count * length);
     run_exact(
@@ -118,15 +123,16 @@ struct Fields::State {
   Sweep exact;
   std::unique_ptr<RowSweep> rows;  // null: the exact sweep does it all
   std::vector<double> points;      // of a block
-  // What is at hand: a row by rows, a row of exact values, or a block that the exact sweep still holds.
-  enum class Held { nothing, row, exact_row, block } held = Held::nothing;
-  unsigned i = 0, j = 0;          // of the row
+  // What is at hand: rows, a row of exact values, or a block that the exact sweep still holds.
+  enum class Held { nothing, rows, exact_row, block } held = Held::nothing;
+  unsigned i = 0, j = 0;          // of the first row
+  unsigned row_count = 0;
   unsigned count = 0;             // of points in the block
   unsigned next[3] = {};          // indices of the point with which `next` goes on
   std::vector<double> exact_row;  // [field][point]
   // Where rows leave much in doubt, one after the other, they are not even tried for a while.
   unsigned pause = 0, next_pause = 0;
-  std::vector<unsigned> doubts;  // the points of a row that are to be settled
+  std::vector<std::size_t> doubts;  // the points of rows that are to be settled
 };
 
 Fields::Fields(const Molecule* molecule, const CubeDefinition* cube, FieldKind kind,
@@ -144,8 +150,12 @@ bool Fields::next() {
   if (state.rows == nullptr) {
     state.run_block();
   } else {
-    row(state.next[0], state.next[1]);
-    state.advance(state.cube->npoints[2]);
+    state.i = state.next[0];
+    state.j = state.next[1];
+    state.run_rows(~0U);
+    for (unsigned row = 0; row < state.row_count; ++row) {
+      state.advance(state.cube->npoints[2]);
+    }
   }
   return true;
 }
@@ -160,18 +170,19 @@ void Fields::row(unsigned i, unsigned j) {
   State& state = *state_;
   state.i = i;
   state.j = j;
-  state.run_row(state.rows != nullptr && state.pause == 0);
-  state.pause -= state.pause > 0 ? 1 : 0;
+  state.run_rows(1);
 }
 
-bool Fields::is_exact() const { return state_->held != State::Held::row; }
+bool Fields::is_exact() const { return state_->held != State::Held::rows; }
 
-std::span<const double> Fields::values(std::size_t field) const {
+unsigned Fields::row_count() const { return state_->row_count; }
+
+std::span<const double> Fields::values(std::size_t field, unsigned row) const {
   const State& state = *state_;
   const std::size_t length = state.cube->npoints[2];
   switch (state.held) {
-    case State::Held::row:
-      return state.rows->field(field);
+    case State::Held::rows:
+      return state.rows->field(field, row);
     case State::Held::exact_row:
       return {state.exact_row.data() + field * length, length};
     default:
@@ -179,30 +190,36 @@ std::span<const double> Fields::values(std::size_t field) const {
   }
 }
 
-std::span<const double> Fields::tolerances(std::size_t field) const {
-  return state_->rows->tolerances(field);
+std::span<const double> Fields::tolerances(std::size_t field, unsigned row) const {
+  return state_->rows->tolerances(field, row);
 }
 
 void Fields::settle(std::span<const unsigned char> in_doubt) {
   State& state = *state_;
   state.doubts.clear();
-  unsigned known = 0, vague = 0;
-  const std::span<const double> tolerances = state.rows->tolerances(0);
-  for (unsigned k = 0; k < in_doubt.size(); ++k) {
-    known += tolerances[k] < 1.0 ? 1 : 0;
-    if (in_doubt[k] != 0) {
-      state.doubts.push_back(k);
-      vague += tolerances[k] < 1.0 ? 1 : 0;
+  std::size_t known = 0, vague = 0;
+  const std::size_t length = state.cube->npoints[2];
+  for (std::size_t start = 0; start < in_doubt.size(); start += length) {
+    const auto tolerances = state.rows->tolerances(0, static_cast<unsigned>(start / length));
+    for (std::size_t k = 0; k < length; ++k) {
+      known += tolerances[k] < 1.0 ? 1 : 0;
+      if (in_doubt[start + k] != 0) {
+        state.doubts.push_back(start + k);
+        vague += tolerances[k] < 1.0 ? 1 : 0;
+      }
     }
   }
-  state.set_pause(known > 0 && vague <= doubt_max * known);
+  state.set_pause(known > 0 && static_cast<double>(vague) <= doubt_max * static_cast<double>(known));
   state.run_exact(
       state.doubts.size(),
       [&](std::size_t n, unsigned c) {
-        return cube_coordinate(state.cube, state.i, state.j, state.doubts[n], c);
+        const std::size_t at = state.doubts[n];
+        return cube_coordinate(state.cube, state.i, state.j + static_cast<unsigned>(at / length),
+                               static_cast<unsigned>(at % length), c);
       },
       [&](std::size_t field, std::size_t n, double value) {
-        state.rows->field(field)[state.doubts[n]] = value;
+        const std::size_t at = state.doubts[n];
+        state.rows->field(field, static_cast<unsigned>(at / length))[at % length] = value;
       });
 }
 

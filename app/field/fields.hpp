@@ -37,7 +37,7 @@ class Fields {
          std::span<const Orbital> orbitals = {});
   ~Fields();
 
-  /// Goes on to the next points of the grid in the order of cube files, the third index fastest: a row, or,
+  /// Goes on to the next points of the grid in the order of cube files, the third index fastest: rows, or,
   /// where they are exact, as many as suit, wherever rows end. False at the end of the grid.
   bool next();
 
@@ -50,15 +50,19 @@ class Fields {
   /// Whether the values at hand are the exact ones.
   bool is_exact() const;
 
-  /// Values of a field at the points at hand, up to the next call of anything that evaluates.
-  std::span<const double> values(std::size_t field) const;
+  /// How many rows are at hand, where they are not exact.
+  unsigned row_count() const;
+
+  /// Values of a field at the points at hand, up to the next call of anything that evaluates: of one of the
+  /// rows, or all that are exact.
+  std::span<const double> values(std::size_t field, unsigned row = 0) const;
 
   /// How far, relatively, the exact values may be from those of a row that is not exact; infinite or NaN
   /// where nothing is known.
-  std::span<const double> tolerances(std::size_t field) const;
+  std::span<const double> tolerances(std::size_t field, unsigned row = 0) const;
 
-  /// Makes values of the row exact, in all fields, where `in_doubt` (a number a point) is not 0. To be called
-  /// once for a row that is not exact: from what is in doubt follows whether the next rows are worth while.
+  /// Makes values of the rows exact, in all fields, where `in_doubt` (a number a point) is not 0. To be called
+  /// once for rows that are not exact: from what is in doubt follows whether the next are worth while.
   void settle(std::span<const unsigned char> in_doubt);
 
   /// Exact values at points of any list: values[field · points.size() + n]. Coordinates are numbers of a

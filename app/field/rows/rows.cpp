@@ -79,12 +79,12 @@ void RowSweep::lay_out() {
   piece_.functions = functions_.data();
 }
 
-bool RowSweep::run(unsigned i, unsigned j) {
+unsigned RowSweep::run(unsigned i, unsigned j) {
   const bool is_at_hand = i == i_ && j >= first_j_ && j < end_j_;
   i_ = i;
   j_ = j;
   if (is_at_hand) {
-    return true;
+    return end_j_ - j;
   }
   const unsigned indices[2] = {i, j};
   for (unsigned c = 0; c < 2; ++c) {
@@ -119,5 +119,5 @@ bool RowSweep::run(unsigned i, unsigned j) {
     }
   }
   end_j_ = is_known ? end_j_ : j;
-  return is_known;
+  return end_j_ - j;
 }
