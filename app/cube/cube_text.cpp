@@ -77,7 +77,8 @@ void CubeText::put_row(std::span<const double> values, std::span<const double> t
   used_ += size_of(1, row_length_);
 }
 
-void CubeText::correct(unsigned row, std::span<const double> values, std::span<const unsigned char> in_doubt) {
+void CubeText::correct(unsigned row, std::span<const double> values,
+                       std::span<const unsigned char> in_doubt) {
   char* const text = text_.data() + rows_start_ + size_of(row, row_length_);
   for (std::size_t n = 0; n < in_doubt.size(); ++n) {
     if (in_doubt[n] != 0) {

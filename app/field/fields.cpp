@@ -125,7 +125,7 @@ struct Fields::State {
   std::vector<double> points;      // of a block
   // What is at hand: rows, a row of exact values, or a block that the exact sweep still holds.
   enum class Held { nothing, rows, exact_row, block } held = Held::nothing;
-  unsigned i = 0, j = 0;          // of the first row
+  unsigned i = 0, j = 0;  // of the first row
   unsigned row_count = 0;
   unsigned count = 0;             // of points in the block
   unsigned next[3] = {};          // indices of the point with which `next` goes on

@@ -36,8 +36,8 @@ class RowPass {
       }
     }
     pass.choose();
-    for (unsigned row = 0; row < piece.row_count; ++row) {
-      pass.evaluate_row(row);
+    for (unsigned row = 0; row < piece.row_count; row += piece.held_max) {
+      pass.evaluate_rows(row);
     }
     return pass.best_weighing();
   }
@@ -318,29 +318,41 @@ class RowPass {
     return piece_.functions + std::size_t{tile} * plan_.function_count;
   }
   double* values_of(unsigned tile) const {
-    return piece_.values + std::size_t{tile} * plan_.function_count * tile_points;
+    return piece_.values + (std::size_t{held_} * piece_tiles + tile) * plan_.function_count * tile_points;
+  }
+  double* coefficients_of_row() const {
+    return piece_.coefficients + std::size_t{held_} * plan_.function_count * plan_.stride;
   }
 
-  void evaluate_row(unsigned row) {
-    unsigned across[2] = {piece_.across[0], piece_.across[1]};
-    across[piece_.moving] += row;
-    fields_ = piece_.fields + row * piece_.row_stride;
-    tolerances_ = piece_.tolerances + row * piece_.row_stride;
-    multiply_factors(across);
-    evaluate_functions();
+  // Rows from the first on, so many as are held: coefficients of many orbitals are read once for all of them.
+  void evaluate_rows(unsigned first) {
+    const unsigned left = piece_.row_count - first;
+    const unsigned count = piece_.held_max < left ? piece_.held_max : left;
+    const auto each_row = [&](auto evaluate) {
+      for (held_ = 0; held_ < count; ++held_) {
+        row_ = first + held_;
+        evaluate();
+      }
+    };
+    each_row([&] {
+      multiply_factors();
+      evaluate_functions();
+    });
     unsigned first_orbital = 0;
     for (unsigned c = 0; c < plan_.chunk_count; ++c) {
-      collapse(plan_.chunks[c]);
-      evaluate_orbitals(plan_.chunks[c], first_orbital);
+      collapse(plan_.chunks[c], count);
+      each_row([&] { evaluate_orbitals(plan_.chunks[c], first_orbital); });
       first_orbital += plan_.chunks[c].count;
     }
     if (plan_.field == FieldKind::density_and_potential) {
-      finish_density();
+      each_row([&] { finish_density(); });
     }
   }
 
   // What the radials in use need of the place of the row.
-  void multiply_factors(const unsigned (&across)[2]) const {
+  void multiply_factors() const {
+    unsigned across[2] = {piece_.across[0], piece_.across[1]};
+    across[piece_.moving] += row_;
     unsigned last = plan_.atom_count;
     for (unsigned n = 0; n < in_reach_count_; ++n) {
       const RowRadial& radial = plan_.radials[in_reach_[n].radial];
@@ -358,27 +370,32 @@ class RowPass {
   }
 
   double* products_of(unsigned atom) const {
-    return piece_.products + std::size_t{atom} * row_powers * row_powers;
+    return piece_.products +
+           (std::size_t{held_} * plan_.atom_count + atom) * std::size_t{row_powers * row_powers};
   }
 
-  // The row functions of the radials in use. Most radials have few terms: with their number known when
-  // compiled, their sums need no loop.
+  // Most radials have few terms, and most powers few monomials: with their number known when compiled, sums
+  // need no loop.
+  template <class Evaluate>
+  static void with_count(unsigned count, Evaluate evaluate) {
+    switch (count) {
+      case 1:
+        return evaluate(std::integral_constant<unsigned, 1>{});
+      case 2:
+        return evaluate(std::integral_constant<unsigned, 2>{});
+      case 3:
+        return evaluate(std::integral_constant<unsigned, 3>{});
+      default:
+        evaluate(count);
+    }
+  }
+
+  // The row functions of the radials in use.
   void evaluate_functions() const {
     for (unsigned n = 0; n < in_reach_count_; ++n) {
       const RowUse& use = in_reach_[n];
-      switch (const unsigned count = plan_.radials[use.radial].term_count - use.first_term) {
-        case 1:
-          evaluate_radial(use, std::integral_constant<unsigned, 1>{});
-          break;
-        case 2:
-          evaluate_radial(use, std::integral_constant<unsigned, 2>{});
-          break;
-        case 3:
-          evaluate_radial(use, std::integral_constant<unsigned, 3>{});
-          break;
-        default:
-          evaluate_radial(use, count);
-      }
+      with_count(plan_.radials[use.radial].term_count - use.first_term,
+                 [&](auto count) { evaluate_radial(use, count); });
     }
   }
 
@@ -407,35 +424,48 @@ class RowPass {
   }
 
   // The coefficients of the row functions in a chunk of orbitals.
-  void collapse(const RowOrbitals& chunk) const {
+  void collapse(const RowOrbitals& chunk, unsigned row_count) {
     for (unsigned n = 0; n < in_reach_count_; ++n) {
-      const RowRadial& radial = plan_.radials[in_reach_[n].radial];
-      const double* const products = products_of(radial.atom);
-      for (unsigned power = 0; power <= radial.power_max; ++power) {
-        const std::size_t at = std::size_t{radial.first_function + power} * plan_.stride;
-        for (unsigned o = 0; o < plan_.stride; o += Real::lanes) {
-          sum_monomials(radial, power, chunk.coefficients + o, [&](unsigned across) {
-            return products[across];
-          }).store(piece_.coefficients + at + o);
-          if (chunk.magnitudes != nullptr) {
-            sum_monomials(radial, power, chunk.magnitudes + o, [&](unsigned across) {
-              return std::fabs(products[across]);
-            }).store(piece_.magnitudes + at + o);
-          }
-        }
+      for (held_ = 0; held_ < row_count; ++held_) {
+        collapse_radial(chunk, plan_.radials[in_reach_[n].radial]);
       }
     }
   }
 
-  template <class Product>
-  Real sum_monomials(const RowRadial& radial, unsigned power, const double* coefficients,
-                     Product product) const {
-    Real sum = 0.0;
-    for (unsigned m = radial.monomials[power]; m < radial.monomials[power + 1]; ++m) {
-      sum =
-          sum + product(plan_.monomials[m].across) * Real::load(coefficients + std::size_t{m} * plan_.stride);
+  void collapse_radial(const RowOrbitals& chunk, const RowRadial& radial) const {
+    const double* const products = products_of(radial.atom);
+    for (unsigned power = 0; power <= radial.power_max; ++power) {
+      const unsigned first = radial.monomials[power];
+      const std::size_t at = std::size_t{radial.first_function + power} * plan_.stride;
+      with_count(radial.monomials[power + 1] - first, [&](auto count) {
+        sum_monomials(
+            first, count, chunk.coefficients, [&](unsigned across) { return products[across]; },
+            coefficients_of_row() + at);
+        if (chunk.magnitudes != nullptr) {
+          sum_monomials(
+              first, count, chunk.magnitudes, [&](unsigned across) { return std::fabs(products[across]); },
+              piece_.magnitudes + at);
+        }
+      });
     }
-    return sum;
+  }
+
+  template <class Count, class Product>
+  void sum_monomials(unsigned first, Count count, const double* coefficients, Product product,
+                     double* to) const {
+    const std::size_t stride = plan_.stride;
+    const double* const from = coefficients + first * stride;
+    double products[shell_function_count(shell_max)];
+    for (unsigned m = 0; m < count; ++m) {
+      products[m] = product(plan_.monomials[first + m].across);
+    }
+    for (std::size_t o = 0; o < stride; o += Real::lanes) {
+      Real sum = 0.0;
+      for (unsigned m = 0; m < count; ++m) {
+        sum = sum + products[m] * Real::load(from + m * stride + o);
+      }
+      sum.store(to + o);
+    }
   }
 
   void evaluate_orbitals(const RowOrbitals& chunk, unsigned first_orbital) {
@@ -452,7 +482,7 @@ class RowPass {
   // Orbitals of a chunk, from its number `first` on, in all tiles.
   template <unsigned Orbitals>
   void evaluate_group(const RowOrbitals& chunk, unsigned first, unsigned first_orbital) {
-    const double* const coefficients = piece_.coefficients + first;
+    const double* const coefficients = coefficients_of_row() + first;
     double peaks[Orbitals][piece_tiles];
     const bool has_peaks = chunk.magnitudes != nullptr && piece_.weighing == row_by_tiles;
     if (has_peaks) {
@@ -469,7 +499,8 @@ class RowPass {
       for (unsigned o = 0; o < Orbitals; ++o) {
         if (plan_.field == FieldKind::density_and_potential) {
           for (unsigned p = 0; p < TilePacks; ++p) {
-            sums_[tile][p].add(orbitals[o][p], chunk.weights[first + o], chunk.energy_weights[first + o]);
+            sums_[held_][tile][p].add(orbitals[o][p], chunk.weights[first + o],
+                                      chunk.energy_weights[first + o]);
           }
         } else {
           if (has_peaks) {
@@ -500,32 +531,37 @@ class RowPass {
 
   void finish_orbital(const Real (&values)[TilePacks], unsigned tile, std::size_t orbital) {
     for (unsigned p = 0; p < TilePacks; ++p) {
-      const std::size_t at = orbital * piece_.stride + std::size_t{tile} * tile_points + p * Real::lanes;
+      const std::size_t at = orbital * piece_.stride + place_of(tile, p);
       const Real relative = bounds_[0][tile][p] / higher_of(values[p], 0.0 - values[p]);
       poorness_ = poorness_ + lower_of(relative, Real(poor));
       if (plan_.field == FieldKind::orbital) {
-        values[p].store(fields_ + at);
-        relative.store(tolerances_ + at);
+        values[p].store(piece_.fields + at);
+        relative.store(piece_.tolerances + at);
       } else {
-        eval_square(values[p]).store(fields_ + at);
-        rows_square_tolerance(relative).store(tolerances_ + at);
+        eval_square(values[p]).store(piece_.fields + at);
+        rows_square_tolerance(relative).store(piece_.tolerances + at);
       }
     }
+  }
+
+  // Of a pack, among the values of the first field.
+  std::size_t place_of(unsigned tile, unsigned pack) const {
+    return row_ * piece_.row_stride + std::size_t{tile} * tile_points + std::size_t{pack} * Real::lanes;
   }
 
   void finish_density() {
     for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
       double density = HUGE_VAL, weighted = HUGE_VAL;
-      for (const OccupiedSums<Real>& sums : sums_[tile]) {
+      for (const OccupiedSums<Real>& sums : sums_[held_][tile]) {
         density = lower_of(density, lowest(sums.density));
         weighted = lower_of(weighted, lowest(sums.weighted));
       }
       const Tolerances together = tolerances_of(tile, 0, density, weighted);
       const bool is_alone = !(together.density < alone && together.potential < alone);
       for (unsigned p = 0; p < TilePacks; ++p) {
-        const OccupiedSums<Real>& sums = sums_[tile][p];
-        double* const field = fields_ + std::size_t{tile} * tile_points + p * Real::lanes;
-        double* const relative = tolerances_ + (field - fields_);
+        const OccupiedSums<Real>& sums = sums_[held_][tile][p];
+        const std::size_t at = place_of(tile, p);
+        double *const field = piece_.fields + at, *const relative = piece_.tolerances + at;
         eval_total(sums, plan_.is_restricted).store(field);
         eval_potential(sums, false).store(field + piece_.stride);
         Real(together.density).store(relative);
@@ -534,7 +570,7 @@ class RowPass {
           settle_alone(tile, p, relative);
         }
         poorness_ = poorness_ + lower_of(Real::load(relative), Real(poor));
-        sums_[tile][p] = {};
+        sums_[held_][tile][p] = {};
       }
     }
   }
@@ -542,8 +578,8 @@ class RowPass {
   // Tolerances of each point of a pack.
   void settle_alone(unsigned tile, unsigned p, double* relative) const {
     double density[Real::lanes], weighted[Real::lanes];
-    sums_[tile][p].density.store(density);
-    sums_[tile][p].weighted.store(weighted);
+    sums_[held_][tile][p].density.store(density);
+    sums_[held_][tile][p].weighted.store(weighted);
     for (unsigned lane = 0; lane < Real::lanes; ++lane) {
       const Tolerances own = tolerances_of(tile, p * Real::lanes + lane, density[lane], weighted[lane]);
       relative[lane] = own.density;
@@ -598,15 +634,15 @@ class RowPass {
   static constexpr double alone = 1e-10, often = 1e-9, poor = 1e-8;
 
   Real totals_[2][tile_packs] = {};
-  OccupiedSums<Real> sums_[piece_tiles][TilePacks];
+  OccupiedSums<Real> sums_[rows_together_max][piece_tiles][TilePacks];
   double rounding_[piece_tiles], left_out_[2][piece_tiles];
   Real bounds_[2][piece_tiles][TilePacks], point_totals_[2][piece_tiles][TilePacks];
   Real poorness_ = 0.0;
-  double *fields_ = nullptr, *tolerances_ = nullptr;  // of the row at hand
   const RowPlan& plan_;
   const RowPiece& piece_;
   const RowBound& bound_;
   RowUse* const in_reach_;  // the radials in reach, then those in use
   unsigned function_counts_[any_tile + 1] = {};
   unsigned in_reach_count_ = 0;
+  unsigned row_ = 0, held_ = 0;  // the row at hand, of all and of those that are held
 };
