@@ -6,9 +6,9 @@
 
 namespace {
 
-// Neighbouring rows that are weighed together are at most so far apart, bohr. The farther, the more is taken
-// to come to something in one of them only.
-constexpr double together_width = 0.6;
+// Neighbouring rows that are weighed together: at most so many, and so far apart, bohr. The farther, the more
+// is taken to come to something in one of them only.
+constexpr double together_most = 4.0, together_width = 0.6;
 
 }  // namespace
 
@@ -35,11 +35,13 @@ RowSweep::RowSweep(std::unique_ptr<RowTables> tables, const RowKernel& kernel, c
   piece_.stride = (row_length_ + kernel_.tile_points + 7) / 8 * 8;
   const std::size_t field_count = plan.field == FieldKind::density_and_potential ? 2 : plan.orbital_count;
   piece_.row_stride = field_count * piece_.stride;
-  // Of many fields the values of more rows are no longer in the cache when they are wanted.
-  if (field_count <= 2 && plan.point_count <= kernel_.piece_tiles * kernel_.tile_points) {
+  // Of many fields the values of more rows are no longer in the cache when they are wanted. Of many orbitals
+  // what comes to something in one of the rows only costs more than weighing.
+  if (field_count <= 2 && plan.chunk_count == 1 &&
+      plan.point_count <= kernel_.piece_tiles * kernel_.tile_points) {
     const double* const step = cube->vectors[1];
     const double length = std::max({std::fabs(step[0]), std::fabs(step[1]), std::fabs(step[2])});
-    together_max_ = 1 + static_cast<unsigned>(std::min(rows_together_max - 1.0, together_width / length));
+    together_max_ = 1 + static_cast<unsigned>(std::min(together_most - 1.0, together_width / length));
   }
   fields_.resize(together_max_ * piece_.row_stride, 0.0);
   tolerances_.resize(fields_.size(), HUGE_VAL);  // which is what they stay out of sight
@@ -50,19 +52,16 @@ RowSweep::RowSweep(std::unique_ptr<RowTables> tables, const RowKernel& kernel, c
 void RowSweep::lay_out() {
   const RowPlan& plan = tables_->plan;
   const std::size_t tiles = kernel_.piece_tiles;
-  // Where the coefficients of all orbitals fit in the cache, rows are evaluated one by one.
-  piece_.held_max = plan.chunk_count > 1 ? together_max_ : 1;
-  const std::size_t held = piece_.held_max, coefficients = held * plan.function_count * plan.stride;
   const std::pair<double**, std::size_t> parts[] = {
       {&piece_.weights, tables_->terms.size()},
-      {&piece_.products, held * plan.atom_count * row_powers * row_powers},
+      {&piece_.products, std::size_t{plan.atom_count} * row_powers * row_powers},
       {&piece_.peaks, plan.function_count * tiles},
       {&piece_.norms, 2 * std::size_t{plan.function_count}},
       {&piece_.shares, 2 * tiles * plan.radial_count},
       {&piece_.point_shares, 2 * std::size_t{kernel_.tile_points} * plan.radial_count},
-      {&piece_.values, held * plan.function_count * tiles * kernel_.tile_points},
-      {&piece_.coefficients, coefficients},
-      {&piece_.magnitudes, tables_->magnitudes.empty() ? 0 : coefficients}};
+      {&piece_.values, plan.function_count * tiles * kernel_.tile_points},
+      {&piece_.coefficients, std::size_t{plan.function_count} * plan.stride},
+      {&piece_.magnitudes, tables_->magnitudes.empty() ? 0 : std::size_t{plan.function_count} * plan.stride}};
   const auto rounded_up = [](std::size_t size) { return (size + 7) / 8 * 8; };  // to whole cache lines
   std::size_t total = 0;
   for (const auto& [pointer, size] : parts) {

@@ -36,8 +36,8 @@ class RowPass {
       }
     }
     pass.choose();
-    for (unsigned row = 0; row < piece.row_count; row += piece.held_max) {
-      pass.evaluate_rows(row);
+    for (unsigned row = 0; row < piece.row_count; ++row) {
+      pass.evaluate_row(row);
     }
     return pass.best_weighing();
   }
@@ -318,34 +318,21 @@ class RowPass {
     return piece_.functions + std::size_t{tile} * plan_.function_count;
   }
   double* values_of(unsigned tile) const {
-    return piece_.values + (std::size_t{held_} * piece_tiles + tile) * plan_.function_count * tile_points;
-  }
-  double* coefficients_of_row() const {
-    return piece_.coefficients + std::size_t{held_} * plan_.function_count * plan_.stride;
+    return piece_.values + std::size_t{tile} * plan_.function_count * tile_points;
   }
 
-  // Rows from the first on, so many as are held: coefficients of many orbitals are read once for all of them.
-  void evaluate_rows(unsigned first) {
-    const unsigned left = piece_.row_count - first;
-    const unsigned count = piece_.held_max < left ? piece_.held_max : left;
-    const auto each_row = [&](auto evaluate) {
-      for (held_ = 0; held_ < count; ++held_) {
-        row_ = first + held_;
-        evaluate();
-      }
-    };
-    each_row([&] {
-      multiply_factors();
-      evaluate_functions();
-    });
+  void evaluate_row(unsigned row) {
+    row_ = row;
+    multiply_factors();
+    evaluate_functions();
     unsigned first_orbital = 0;
     for (unsigned c = 0; c < plan_.chunk_count; ++c) {
-      collapse(plan_.chunks[c], count);
-      each_row([&] { evaluate_orbitals(plan_.chunks[c], first_orbital); });
+      collapse(plan_.chunks[c]);
+      evaluate_orbitals(plan_.chunks[c], first_orbital);
       first_orbital += plan_.chunks[c].count;
     }
     if (plan_.field == FieldKind::density_and_potential) {
-      each_row([&] { finish_density(); });
+      finish_density();
     }
   }
 
@@ -370,8 +357,7 @@ class RowPass {
   }
 
   double* products_of(unsigned atom) const {
-    return piece_.products +
-           (std::size_t{held_} * plan_.atom_count + atom) * std::size_t{row_powers * row_powers};
+    return piece_.products + std::size_t{atom} * row_powers * row_powers;
   }
 
   // Most radials have few terms, and most powers few monomials: with their number known when compiled, sums
@@ -424,11 +410,9 @@ class RowPass {
   }
 
   // The coefficients of the row functions in a chunk of orbitals.
-  void collapse(const RowOrbitals& chunk, unsigned row_count) {
+  void collapse(const RowOrbitals& chunk) const {
     for (unsigned n = 0; n < in_reach_count_; ++n) {
-      for (held_ = 0; held_ < row_count; ++held_) {
-        collapse_radial(chunk, plan_.radials[in_reach_[n].radial]);
-      }
+      collapse_radial(chunk, plan_.radials[in_reach_[n].radial]);
     }
   }
 
@@ -440,7 +424,7 @@ class RowPass {
       with_count(radial.monomials[power + 1] - first, [&](auto count) {
         sum_monomials(
             first, count, chunk.coefficients, [&](unsigned across) { return products[across]; },
-            coefficients_of_row() + at);
+            piece_.coefficients + at);
         if (chunk.magnitudes != nullptr) {
           sum_monomials(
               first, count, chunk.magnitudes, [&](unsigned across) { return std::fabs(products[across]); },
@@ -482,7 +466,7 @@ class RowPass {
   // Orbitals of a chunk, from its number `first` on, in all tiles.
   template <unsigned Orbitals>
   void evaluate_group(const RowOrbitals& chunk, unsigned first, unsigned first_orbital) {
-    const double* const coefficients = coefficients_of_row() + first;
+    const double* const coefficients = piece_.coefficients + first;
     double peaks[Orbitals][piece_tiles];
     const bool has_peaks = chunk.magnitudes != nullptr && piece_.weighing == row_by_tiles;
     if (has_peaks) {
@@ -499,8 +483,7 @@ class RowPass {
       for (unsigned o = 0; o < Orbitals; ++o) {
         if (plan_.field == FieldKind::density_and_potential) {
           for (unsigned p = 0; p < TilePacks; ++p) {
-            sums_[held_][tile][p].add(orbitals[o][p], chunk.weights[first + o],
-                                      chunk.energy_weights[first + o]);
+            sums_[tile][p].add(orbitals[o][p], chunk.weights[first + o], chunk.energy_weights[first + o]);
           }
         } else {
           if (has_peaks) {
@@ -552,14 +535,14 @@ class RowPass {
   void finish_density() {
     for (unsigned tile = 0; tile < piece_.tile_count; ++tile) {
       double density = HUGE_VAL, weighted = HUGE_VAL;
-      for (const OccupiedSums<Real>& sums : sums_[held_][tile]) {
+      for (const OccupiedSums<Real>& sums : sums_[tile]) {
         density = lower_of(density, lowest(sums.density));
         weighted = lower_of(weighted, lowest(sums.weighted));
       }
       const Tolerances together = tolerances_of(tile, 0, density, weighted);
       const bool is_alone = !(together.density < alone && together.potential < alone);
       for (unsigned p = 0; p < TilePacks; ++p) {
-        const OccupiedSums<Real>& sums = sums_[held_][tile][p];
+        const OccupiedSums<Real>& sums = sums_[tile][p];
         const std::size_t at = place_of(tile, p);
         double *const field = piece_.fields + at, *const relative = piece_.tolerances + at;
         eval_total(sums, plan_.is_restricted).store(field);
@@ -570,7 +553,7 @@ class RowPass {
           settle_alone(tile, p, relative);
         }
         poorness_ = poorness_ + lower_of(Real::load(relative), Real(poor));
-        sums_[held_][tile][p] = {};
+        sums_[tile][p] = {};
       }
     }
   }
@@ -578,8 +561,8 @@ class RowPass {
   // Tolerances of each point of a pack.
   void settle_alone(unsigned tile, unsigned p, double* relative) const {
     double density[Real::lanes], weighted[Real::lanes];
-    sums_[held_][tile][p].density.store(density);
-    sums_[held_][tile][p].weighted.store(weighted);
+    sums_[tile][p].density.store(density);
+    sums_[tile][p].weighted.store(weighted);
     for (unsigned lane = 0; lane < Real::lanes; ++lane) {
       const Tolerances own = tolerances_of(tile, p * Real::lanes + lane, density[lane], weighted[lane]);
       relative[lane] = own.density;
@@ -634,7 +617,7 @@ class RowPass {
   static constexpr double alone = 1e-10, often = 1e-9, poor = 1e-8;
 
   Real totals_[2][tile_packs] = {};
-  OccupiedSums<Real> sums_[rows_together_max][piece_tiles][TilePacks];
+  OccupiedSums<Real> sums_[piece_tiles][TilePacks];
   double rounding_[piece_tiles], left_out_[2][piece_tiles];
   Real bounds_[2][piece_tiles][TilePacks], point_totals_[2][piece_tiles][TilePacks];
   Real poorness_ = 0.0;
@@ -644,5 +627,5 @@ class RowPass {
   RowUse* const in_reach_;  // the radials in reach, then those in use
   unsigned function_counts_[any_tile + 1] = {};
   unsigned in_reach_count_ = 0;
-  unsigned row_ = 0, held_ = 0;  // the row at hand, of all and of those that are held
+  unsigned row_ = 0;  // the row at hand
 };

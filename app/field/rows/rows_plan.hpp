@@ -19,9 +19,6 @@
 
 inline constexpr unsigned row_powers = shell_max + 1;  // from 0 on
 
-/// So many neighbouring rows at most are weighed together.
-inline constexpr unsigned rows_together_max = 4;
-
 /// A Gaussian exp(-α r²) is the product of its factors exp(-α d²) along the three axes.
 struct RowTerm {
   double exponent;          // bohr^-2
@@ -100,18 +97,17 @@ struct RowPiece {
   // The fields of the plan and their relative tolerances, `stride` values apart.
   double *fields, *tolerances;
   std::size_t stride, row_stride;
-  unsigned held_max;  // so many rows at most are evaluated at once
   // Working memory, on 64-byte boundaries.
   double* weights;       // [term]: times the factors across
-  double* products;      // [held row][atom][first power][second power]: of the offsets across
+  double* products;      // [atom][first power][second power]: of the offsets across
   double* peaks;         // [row function][tile]: no value of the function is larger in magnitude
   double* norms;         // [row function][norm]: of its collapsed coefficients
   double* shares;        // [radial][norm][tile]: at most so much comes from the radial
   double* point_shares;  // [radial][norm][point]: likewise in the tile at hand
   RowUse* uses;          // [radial]
   unsigned* functions;   // [tile][...]: the row functions that are not left out; at last those used in any
-  double* values;        // [held row][tile][row function][point of the tile]
-  double *coefficients, *magnitudes;  // [held row][row function][orbital]: collapsed
+  double* values;        // [tile][row function][point of the tile]
+  double *coefficients, *magnitudes;  // [row function][orbital]: collapsed
 };
 
 /// A kernel for one instruction set.
