@@ -99,7 +99,7 @@ void put(bool negative, std::size_t digits, int exponent, char* text) {
   text[12] = digit(magnitude);
 }
 
-// Zero, infinity, NaN, and values too near to a tie of two texts: right-aligned.
+// Infinity, NaN, and values too near to a tie of two texts: right-aligned.
 void put_rare(double value, char* text) {
   std::memset(text, ' ', str_scientific_width);
   char buffer[32];
@@ -199,7 +199,9 @@ constexpr double scaled_error = 0x1p-50;
 }  // namespace
 
 void str_scientific(double value, char* text) {
-  if (value == 0.0 || !std::isfinite(value) || !put_unless_tied(value, cut_off, text)) {
+  if (value == 0.0) {
+    std::memcpy(text, std::signbit(value) ? " -0.00000e+00" : "  0.00000e+00", str_scientific_width);
+  } else if (!std::isfinite(value) || !put_unless_tied(value, cut_off, text)) {
     put_rare(value, text);
   }
 }

@@ -18,6 +18,11 @@ constexpr double doubt_max = 0.25;
 
 constexpr unsigned pause_max = 7;  // rows
 
+// On fewer points rows do not save what it takes to prepare them.
+bool is_large(const CubeDefinition* cube) {
+  return 1.0 * cube->npoints[0] * cube->npoints[1] * cube->npoints[2] >= 16384.0;
+}
+
 std::vector<WeightedOrbital> weighted(const Molecule* molecule, FieldKind kind,
                                       std::span<const Orbital> orbitals) {
   if (kind == FieldKind::density_and_potential) {
@@ -38,7 +43,7 @@ struct Fields::State {
       : cube(grid),
         field_count(kind == FieldKind::density_and_potential ? 2 : orbitals.size()),
         exact(molecule, set.exact, kind, orbitals, cube_extent(grid)),
-        rows(RowSweep::make(molecule, grid, set.rows, kind, orbitals)),
+        rows(is_large(grid) ? RowSweep::make(molecule, grid, set.rows, kind, orbitals) : nullptr),
         points(3 * std::size_t{exact.block_points()}) {
     if (std::ranges::count(cube->npoints, 0U) != 0) {
       next[0] = cube->npoints[0];

@@ -19,7 +19,8 @@ static_assert(angular_rounding_max() <= rows_angular, "raise rows_angular, of wh
 
 namespace {
 
-constexpr unsigned row_length_min = 16;   // below, a row's own work is not worth while
+// A row's own work is not worth while below, nor where most of it is out of sight.
+constexpr unsigned row_length_min = 16;
 constexpr double sight_argument = 320.0;  // of the exponential that falls least: below 1e-138
 constexpr double table_room = 64.0 * 1024 * 1024 / sizeof(double);
 
@@ -126,7 +127,7 @@ class FunctionBuilder {
     tile_count_ = (end - first + kernel_.tile_points - 1) / kernel_.tile_points;
     tables_.plan.first_point = first;
     tables_.plan.point_count = std::min(tile_count_ * kernel_.tile_points, length - first);
-    return tables_.plan.point_count >= row_length_min;
+    return tables_.plan.point_count >= row_length_min && 2 * tables_.plan.point_count >= length;
   }
 
   // Whether there is room for the factors of all Gaussians.
