@@ -121,6 +121,9 @@ TEST(Sweep, WritesTheTextOfThePointByPointFunctionsWithEveryKernel) {
   setenv("ORVA_KERNEL", "abacus", 1);
   expect_error(fields_check, "kernel \"abacus\" is not available, only" + names);
   unsetenv("ORVA_KERNEL");
+  setenv("ORVA_ROWS", "no", 1);
+  expect_error(fields_check, "ORVA_ROWS is \"no\", neither \"always\" nor \"never\"");
+  setenv("ORVA_ROWS", "always", 1);
 }
 
 TEST(Sweep, GivesEveryBitOfEveryBasisFunction) {

@@ -1,6 +1,8 @@
 #include "app/field/fields.hpp"
 
 #include <algorithm>
+#include <cstdlib>
+#include <string_view>
 #include <vector>
 
 #include "app/field/exact/sweep.hpp"
@@ -8,6 +10,7 @@
 #include "app/field/point/eval.hpp"
 #include "app/field/rows/rows.hpp"
 #include "app/model/occupation.hpp"
+#include "lib/message.hpp"
 
 namespace {
 
@@ -19,8 +22,18 @@ constexpr double doubt_max = 0.25;
 constexpr unsigned pause_max = 7;  // rows
 
 // On fewer points rows do not save what it takes to prepare them.
-bool is_large(const CubeDefinition* cube) {
-  return 1.0 * cube->npoints[0] * cube->npoints[1] * cube->npoints[2] >= 16384.0;
+constexpr double row_points_min = 16384;
+
+bool is_by_rows(double point_count) {
+  const char* const wanted = std::getenv("ORVA_ROWS");
+  if (wanted == nullptr) {
+    return point_count >= row_points_min;
+  }
+  const std::string_view word = wanted;
+  if (word != "always" && word != "never") {
+    msg_fatal_format("ORVA_ROWS is \"%s\", neither \"always\" nor \"never\"", wanted);
+  }
+  return word == "always";
 }
 
 std::vector<WeightedOrbital> weighted(const Molecule* molecule, FieldKind kind,
@@ -43,7 +56,9 @@ struct Fields::State {
       : cube(grid),
         field_count(kind == FieldKind::density_and_potential ? 2 : orbitals.size()),
         exact(molecule, set.exact, kind, orbitals, cube_extent(grid)),
-        rows(is_large(grid) ? RowSweep::make(molecule, grid, set.rows, kind, orbitals) : nullptr),
+        rows(is_by_rows(1.0 * grid->npoints[0] * grid->npoints[1] * grid->npoints[2])
+                 ? RowSweep::make(molecule, grid, set.rows, kind, orbitals)
+                 : nullptr),
         points(3 * std::size_t{exact.block_points()}) {
     if (std::ranges::count(cube->npoints, 0U) != 0) {
       next[0] = cube->npoints[0];
@@ -258,4 +273,7 @@ double fields_numbers_kept(unsigned basis_count, unsigned row_length) {
   return 5.0 * basis_count + 3.0 * row_length;
 }
 
-void fields_check() { choose_instruction_set(); }
+void fields_check() {
+  choose_instruction_set();
+  is_by_rows(0.0);
+}

@@ -31,7 +31,7 @@ class Fields {
   /// The fields of a kind on a grid: the total density (0, bohr^-3) and the average local ionization
   /// potential (1, hartree; NaN where the density is 0), for which `orbitals` is empty; or of each of
   /// `orbitals` its value (bohr^(-3/2)) or its density (bohr^-3). Both the molecule and the grid must stay.
-  /// An unknown ORVA_KERNEL ends the run: see fields_check. Without memory this and all that evaluates throw
+  /// An unknown ORVA_KERNEL or ORVA_ROWS ends the run: see fields_check. Without memory this and all that evaluates throw
   /// std::bad_alloc.
   Fields(const Molecule* molecule, const CubeDefinition* cube, FieldKind kind,
          std::span<const Orbital> orbitals = {});
@@ -87,5 +87,6 @@ void fields_at_point(const Molecule* molecule, const double* point, FieldKind ki
 double fields_numbers_kept(unsigned basis_count, unsigned row_length);
 
 /// Ends the run with "kernel \"%s\" is not available, only ..." if the environment variable ORVA_KERNEL names
-/// no instruction set that the program and the processor have.
+/// no instruction set that the program and the processor have, and with "ORVA_ROWS is \"%s\", neither
+/// \"always\" nor \"never\"" if that, which has rows everywhere or nowhere, is something else.
 void fields_check();

@@ -36,8 +36,9 @@ RowSweep::RowSweep(std::unique_ptr<RowTables> tables, const RowKernel& kernel, c
   const std::size_t field_count = plan.field == FieldKind::density_and_potential ? 2 : plan.orbital_count;
   piece_.row_stride = field_count * piece_.stride;
   // Of many fields the values of more rows are no longer in the cache when they are wanted. Of many orbitals
-  // what comes to something in one of the rows only costs more than weighing.
-  if (field_count <= 2 && plan.chunk_count == 1 &&
+  // what comes to something in one of the rows only costs more than weighing. From row to row one coordinate
+  // must change, and no other.
+  if (tables_->index[0] + tables_->index[1] == 1 && field_count <= 2 && plan.chunk_count == 1 &&
       plan.point_count <= kernel_.piece_tiles * kernel_.tile_points) {
     const double* const step = cube->vectors[1];
     const double length = std::max({std::fabs(step[0]), std::fabs(step[1]), std::fabs(step[2])});

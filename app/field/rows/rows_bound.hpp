@@ -24,8 +24,9 @@
 // relatively. A number that is made by products and sums, k roundings at most between each term and the
 // result, is off by at most k u of what it comes to with all terms taken positive; (k u)² is below the margin
 // of 3. Fused operations round less often. From here on the error is the distance between both sweeps'
-// values. A tolerance is relative to the value of the rows, and a value is sure only if its tolerance is
-// below 10^-7.
+// values. A tolerance is relative to the value of the rows. Cube files take a value only if its tolerance is
+// below 10^-7: it is sure. Surfaces take any, but only of sums over orbitals, where the margin of 7 covers
+// all of Δ.
 //
 // 2. The roundings of a term, in both sweeps: what lies between it and φ_o. The error of φ_o is at most the
 // sum of this table, in u, of Σ_f |C_fo| V_f.
@@ -112,10 +113,10 @@ static_assert(rows_units(rows_roundings, RowCount::argument) == 6.0 &&
 // 3. With a <= b therefore |error of φ_o| <= ε Σ_f |C_fo| V_f, where ε = (6 b + 100 + 2 P + n + F + g) u.
 // A piece of a row is weighed by tiles, with b = 48: then the kernel takes for V_f the sum over powers of
 // what they come to at most in a tile (`peaks`), in any of the rows that are weighed together. Or by points:
-// then it takes the sum for each point, of the terms' own values at the point with all weights taken
-// positive, and b = 746, beyond which both sweeps have nothing of a term to any purpose. Bounds are evaluated
-// in doubles themselves, and errors of errors are left out: the margin is above both, as long as fewer than
-// 10^8 numbers are added up.
+// then each point has a bound of its own, from what the terms come to there with all weights taken positive,
+// and b = 746, beyond which an exponential is 0 or a few 2^-1074 in both sweeps, which 4 counts. Bounds are
+// evaluated in doubles themselves, and errors of errors are left out: the margin is above both, as long as
+// fewer than 10^8 numbers are added up.
 
 inline constexpr double rows_margin = 1.0625;
 inline constexpr double rows_argument_max[] = {48.0, exponential_zero_limit};  // by RowWeighing
@@ -136,10 +137,12 @@ inline constexpr double rows_rounding_of_summand = rows_margin * rows_unit;
 // lacks nothing. Terms that the rows do not evaluate at all, as they are out of reach (6), come to less than
 // rows_negligible each. Both are added up over all terms, near or far; a term is here one of a radial, with
 // all functions that share it, and with |C| or the length of 7. An exponential that underflows is off by
-// 2^-1074: with all that it may be multiplied by (1e80, see rows_is_ordinary and offset_max) that is far
-// below what is negligible. By tiles no value of an orbital below 10^-19 is sure, as the tail alone is more
-// than 10^-7 of it. By points nothing is sure where V, over all orbitals, comes to less than rows_least, and
-// else no value below 10^-6 ε rows_least: so squares of sure values do not underflow.
+// 2^-1074: with all that it may be multiplied by (1e80 for an orbital, 1e110 with the root of n|ε|; see
+// rows_is_ordinary and offset_max) that is far below what is negligible. By tiles no value of an orbital
+// below 10^-19 is sure, as the tail alone is more than 10^-7 of it. By points nothing is known where V, over
+// all orbitals, comes to less than rows_least. So a bound there is at least ε rows_least, a sure value above
+// 10^7 of that, which is 10^-106, and its square does not underflow. What underflows in a sum over orbitals
+// is below Δ² in any case.
 
 inline constexpr double rows_tail = 0x1p-40;
 inline constexpr double rows_negligible[] = {1e-26, 1e-120};  // by RowWeighing
@@ -160,21 +163,28 @@ double rows_tail_of(RowWeighing weighing, double exponent, Magnitude magnitude) 
 // 5. What is left out. A tile leaves out radials that come to next to nothing in it. All of their V enters
 // the bound twice: once because it is lacking in the rows, and once for its rounding in the exact sweep. For
 // adding t to a double s costs at most |t|, since s itself would be a result, and the exact sweep adds its
-// functions one after another; so these do not count in n. The same holds for the tail. Neither has a margin:
-// a value is sure only if its tolerance is below 10^-7, so that less than 5·10^-8 of it is left out, and what
-// roundings change in that is nothing against the margin of ε.
+// functions one after another; so these do not count in n. The same holds for the tail. For an orbital
+// neither has a margin: a value is sure only if its tolerance is below 10^-7, so that less than 5·10^-8 of
+// it is left out, and what roundings change in that is nothing against the margin of ε. In sums all has that
+// of 7.
 //
 // A radial is left out where its share of a tile's total is below `cut` times ε: the more, the less there is
 // to add up, but the more values are in doubt. Where each orbital has a bound of its own, the total is made
-// of the largest coefficients of any of them, and some orbitals come to much less. By points, share and
-// total are those of the point where the share is largest against the total; so much of the total of any
-// point is taken to be left out at that point.
+// of the largest coefficients of any of them, and some orbitals come to much less.
+//
+// By points, the part that a radial has of the total is taken at the point where it is largest, for each
+// norm by itself, and so much of the total of any point counts as left out there. A radial whose peak in the
+// tile is below `cut` times ε of the lowest total so far is not even evaluated: its part is taken as that
+// peak by that total, which is no less than its part at any point, since totals only grow. It is missing in
+// the totals then, and needs no rounding there, as all of it is left out.
 
 inline constexpr double rows_cut = 4.0, rows_cut_of_many = 0x1p-8;
 
 // 6. The reach. From some distance on, a term comes to less than rows_negligible: no offset is above r, and
 // r^l exp(-α r²) falls from r² = l / (2α) on. A piece leaves out the terms that are so far from all its
-// points.
+// points, in all rows that are weighed together: the least distance is made of those along each axis. Terms
+// are in the order of their reach by points; that by tiles is raised to no less than the one before, which
+// only keeps more.
 
 /// The square of that distance; infinite if there is none in sight.
 template <class Magnitude>
@@ -196,9 +206,9 @@ double rows_reach(RowWeighing weighing, double exponent, Magnitude magnitude) {
 // errors of all √w_o φ_o is not longer. With s from the rows, the exact sweep's sum differs by at most 2 √s Δ
 // + Δ² (below, 3 in place of 1 is slack) and by the roundings of both sums. Occupations n_o weigh the
 // density, n_o |ε_o| the numerator of the potential. The relative tolerance of a quotient is the sum of both,
-// within the margin for what is sure. All points of a tile that is weighed with others have the tolerance of
-// its smallest s where that is low enough, else each that of its own s. Doubling for pairs of electrons is
-// exact.
+// within the margin for what is sure. By tiles the bound is the same for all points of a tile, and its
+// smallest s gives a tolerance that holds for all; if that is low enough they all get it, else each that of
+// its own s. By points each gets that of its own bound and s. Doubling for pairs of electrons is exact.
 
 inline constexpr std::array rows_sum_roundings = {
     RowRounding{"square", "eval_square", RowCount::once, 1},

@@ -107,12 +107,17 @@ class OrbitalBuilder {
   // Of a function's coefficients: the length of their vector over all orbitals, with the weights of the
   // density and of the potential; for orbitals of their own, the largest magnitude and nothing.
   void find_norms(unsigned function, double (&norms)[2]) const {
+    // A square that underflows is below what the sums start with.
+    const auto square_of = [](double weight, double coefficient) {
+      const double root = std::sqrt(weight) * coefficient;
+      return root * root;
+    };
     double largest = 0.0, squares = norm_square_min, weighted_squares = norm_square_min;
     for (std::size_t o = 0; o < orbitals_.size(); ++o) {
       const double coefficient = orbitals_[o].orbital->coefficients[function];
       largest = std::max(largest, std::fabs(coefficient));
-      squares += tables_.weights[o] * (coefficient * coefficient);
-      weighted_squares += tables_.energy_weights[o] * (coefficient * coefficient);
+      squares += square_of(tables_.weights[o], coefficient);
+      weighted_squares += square_of(tables_.energy_weights[o], coefficient);
     }
     const bool is_density = tables_.plan.field == FieldKind::density_and_potential;
     norms[0] = is_density ? std::sqrt(squares) : largest;

@@ -19,7 +19,8 @@ static_assert(angular_rounding_max() <= rows_angular, "raise rows_angular, of wh
 
 namespace {
 
-// A row's own work is not worth while below, nor where most of it is out of sight.
+// A row's own work is not worth while below, nor where most of it is out of sight, for which there would be
+// memory too.
 constexpr unsigned row_length_min = 16;
 constexpr double sight_argument = 320.0;  // of the exponential that falls least: below 1e-138
 constexpr double table_room = 64.0 * 1024 * 1024 / sizeof(double);
@@ -99,7 +100,8 @@ class FunctionBuilder {
     return along_count == 1;
   }
 
-  // Of a row, the points where anything may be known: from the first to the last, and up to a whole tile.
+  // Of a row, the points where anything may be known, unless coefficients are huge: from the first to the
+  // last, and up to a whole tile.
   bool find_points() {
     double exponent = HUGE_VAL, low = HUGE_VAL, high = -HUGE_VAL;
     for (const BasisFunction& function : std::span(molecule_->basis, molecule_->basis_count)) {

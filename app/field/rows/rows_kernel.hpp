@@ -540,7 +540,8 @@ class RowPass {
         weighted = lower_of(weighted, lowest(sums.weighted));
       }
       const Tolerances together = tolerances_of(tile, 0, density, weighted);
-      const bool is_alone = !(together.density < alone && together.potential < alone);
+      const bool is_alone =
+          piece_.weighing == row_by_points || !(together.density < alone && together.potential < alone);
       for (unsigned p = 0; p < TilePacks; ++p) {
         const OccupiedSums<Real>& sums = sums_[tile][p];
         const std::size_t at = place_of(tile, p);
