@@ -380,13 +380,15 @@ class RowPass {
   void evaluate_functions() const {
     for (unsigned n = 0; n < in_reach_count_; ++n) {
       const RowUse& use = in_reach_[n];
-      with_count(plan_.radials[use.radial].term_count - use.first_term,
-                 [&](auto count) { evaluate_radial(use, count); });
+      const RowRadial& radial = plan_.radials[use.radial];
+      with_count(radial.term_count - use.first_term, [&](auto count) {
+        with_count(radial.power_max + 1, [&](auto power_count) { evaluate_radial(use, count, power_count); });
+      });
     }
   }
 
-  template <class Count>
-  void evaluate_radial(const RowUse& use, Count count) const {
+  template <class Count, class PowerCount>
+  void evaluate_radial(const RowUse& use, Count count, PowerCount power_count) const {
     const RowRadial& radial = plan_.radials[use.radial];
     const unsigned first_term = radial.first_term + use.first_term;
     const RowTerm* const terms = plan_.terms + first_term;
@@ -401,7 +403,7 @@ class RowPass {
       for (unsigned p = 0; p < TilePacks; ++p) {
         double* const to = values + p * Real::lanes;
         sums[p].store(to);
-        for (unsigned power = 1; power <= radial.power_max; ++power) {
+        for (unsigned power = 1; power < power_count; ++power) {
           sums[p] = sums[p] * Real::load(offsets + at + p * Real::lanes);
           sums[p].store(to + std::size_t{power} * tile_points);
         }
@@ -465,7 +467,7 @@ class RowPass {
 
   // Orbitals of a chunk, from its number `first` on, in all tiles.
   template <unsigned Orbitals>
-  void evaluate_group(const RowOrbitals& chunk, unsigned first, unsigned first_orbital) {
+  [[gnu::noinline]] void evaluate_group(const RowOrbitals& chunk, unsigned first, unsigned first_orbital) {
     const double* const coefficients = piece_.coefficients + first;
     double peaks[Orbitals][piece_tiles];
     const bool has_peaks = chunk.magnitudes != nullptr && piece_.weighing == row_by_tiles;
