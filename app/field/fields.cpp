@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <string_view>
 #include <vector>
 
@@ -86,19 +87,21 @@ struct Fields::State {
     }
   }
 
-  // At most so many rows.
-  void run_rows(unsigned most) {
-    if (rows != nullptr && pause == 0) {
-      row_count = std::min(rows->run(i, j), most);
-      if (row_count > 0) {
-        held = Held::rows;
-        return;
-      }
-      set_pause(false);
-    } else if (rows != nullptr) {
-      --pause;
+  // At most so many rows. False if they are left to the exact sweep.
+  bool run_rows(unsigned most) {
+    if (rows == nullptr || pause > 0) {
+      return false;
     }
-    row_count = 1;
+    row_count = std::min(rows->run(i, j), most);
+    if (row_count == 0) {
+      set_pause(false);
+      return false;
+    }
+    held = Held::rows;
+    return true;
+  }
+
+  void run_exact_row() {
     const std::size_t length = cube->npoints[2];
     exact_row.resize(field_count * length);
     run_exact(
@@ -113,11 +116,12 @@ struct Fields::State {
     next_pause = is_worth_while ? 0 : std::min(2 * next_pause + 1, pause_max);
   }
 
-  // The next points in the order of cube files, a block.
-  void run_block() {
+  // The next points in the order of cube files, at most so many and at most a block.
+  void run_block(std::size_t most) {
     const unsigned room = exact.block_points();
-    for (count = 0; count < room && next[0] < cube->npoints[0];) {
-      const unsigned run = std::min(room - count, cube->npoints[2] - next[2]);
+    const auto end = static_cast<unsigned>(std::min<std::size_t>(room, most));
+    for (count = 0; count < end && next[0] < cube->npoints[0];) {
+      const unsigned run = std::min(end - count, cube->npoints[2] - next[2]);
       for (unsigned c = 0; c < 3; ++c) {
         for (unsigned n = 0; n < run; ++n) {
           points[std::size_t{c} * room + count + n] = cube_coordinate(cube, next[0], next[1], next[2] + n, c);
@@ -152,6 +156,7 @@ struct Fields::State {
   std::vector<double> exact_row;  // [field][point]
   // Where rows leave much in doubt, one after the other, they are not even tried for a while.
   unsigned pause = 0, next_pause = 0;
+  std::size_t exact_left = 0;       // points that `next` is to give from blocks meanwhile
   std::vector<std::size_t> doubts;  // the points of rows that are to be settled
 };
 
@@ -167,16 +172,22 @@ bool Fields::next() {
   if (state.next[0] == state.cube->npoints[0]) {
     return false;
   }
-  if (state.rows == nullptr) {
-    state.run_block();
-  } else {
+  constexpr std::size_t all = std::numeric_limits<std::size_t>::max();
+  if (state.exact_left == 0) {
     state.i = state.next[0];
     state.j = state.next[1];
-    state.run_rows(~0U);
-    for (unsigned row = 0; row < state.row_count; ++row) {
-      state.advance(state.cube->npoints[2]);
+    if (state.run_rows(state.cube->npoints[1])) {
+      for (unsigned row = 0; row < state.row_count; ++row) {
+        state.advance(state.cube->npoints[2]);
+      }
+      return true;
     }
+    state.exact_left =
+        state.rows == nullptr ? all : std::size_t{std::max(state.pause, 1U)} * state.cube->npoints[2];
+    state.pause = 0;
   }
+  state.run_block(state.exact_left);
+  state.exact_left -= state.count;
   return true;
 }
 
@@ -190,7 +201,10 @@ void Fields::row(unsigned i, unsigned j) {
   State& state = *state_;
   state.i = i;
   state.j = j;
-  state.run_rows(1);
+  if (!state.run_rows(1)) {
+    state.pause -= state.pause > 0 ? 1 : 0;
+    state.run_exact_row();
+  }
 }
 
 bool Fields::is_exact() const { return state_->held != State::Held::rows; }
