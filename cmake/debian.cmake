@@ -30,5 +30,7 @@ file(READ ${share}/doc/orva/README.md readme)
 string(REPLACE "[LICENSE](LICENSE)" "[copyright](copyright)" readme "${readme}")
 file(WRITE ${share}/doc/orva/README.md "${readme}")
 file(RENAME ${share}/zsh/site-functions ${share}/zsh/vendor-completions)
+# Lintian takes programs that load nothing for libraries.
+file(WRITE ${share}/lintian/overrides/orva "orva: shared-library-lacks-prerequisites\n")
 # Whatever the umask of who builds it.
 run(chmod -R u=rwX,go=rX ${CPACK_TEMPORARY_DIRECTORY})

@@ -92,6 +92,7 @@ void compare_data(const Molecule& molecule, const CubeDefinition& cube, unsigned
     const auto orbital = static_cast<std::int16_t>(1 + number % orbital_count);
     const CubeTexts expected = without_nan_signs(text_of_points(molecule, cube, code, orbital));
     for (const InstructionSet& set : instruction_sets()) {
+      setenv("ORVA_ROWS", "always", 1);
       setenv("ORVA_KERNEL", set.name, 1);
       if (set.is_supported() && without_nan_signs(text_of_sweep(molecule, cube, code, orbital)) != expected) {
         dprintf(STDERR_FILENO, "%s differs in field %d of orbital %d\n", set.name, code, orbital);

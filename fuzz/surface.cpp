@@ -60,6 +60,7 @@ void fuzz_pass(std::string_view input) {
       if (!set.is_supported()) {
         continue;
       }
+      setenv("ORVA_ROWS", "always", 1);
       setenv("ORVA_KERNEL", set.name, 1);
       const Surface surface = surface_of(&molecule, options.settings, owners);
       const std::string text =

@@ -99,7 +99,7 @@ void put(bool negative, std::size_t digits, int exponent, char* text) {
   text[12] = digit(magnitude);
 }
 
-// Zero, infinity, NaN, and values too near to a tie of two texts: right-aligned.
+// Infinity, NaN, and values too near to a tie of two texts: right-aligned.
 void put_rare(double value, char* text) {
   std::memset(text, ' ', str_scientific_width);
   char buffer[32];
@@ -159,18 +159,78 @@ bool put_unless_tied(double value, std::uint64_t margin, char* text) {
 // What put_unless_tied itself cuts off is less.
 constexpr std::uint64_t cut_off = 2;
 
+// 10^power as a double, to one rounding.
+constexpr double power_of_ten(int power) {
+  const auto biased = static_cast<std::uint64_t>(floor_log2_of_power10(power) + 1023);
+  return std::bit_cast<double>(((biased - 1) << 52) + ((significand(power) + (1U << 10)) >> 11));
+}
+
+// What numbers between two powers of 2 need: where their decimal exponent goes up, if there; and below and
+// above it the power that leaves six digits before the point, and the exponent's text.
+struct Binade {
+  double next;
+  double scale[2];
+  char exponent[2][4];
+};
+
+// Those with exponents of two digits.
+constexpr unsigned first_binade = 1023 - 325, end_binade = 1023 + 325;
+constexpr auto binades = [] {
+  std::array<Binade, end_binade - first_binade> table{};
+  for (unsigned i = 0; i < table.size(); ++i) {
+    const int exponent = floor_log10_of_power2(static_cast<int>(i + first_binade) - 1023);
+    table[i].next = power_of_ten(exponent + 1);
+    for (const int up : {0, 1}) {
+      const int of_text = exponent + up;
+      const auto magnitude = static_cast<std::size_t>(of_text < 0 ? -of_text : of_text);
+      table[i].scale[up] = power_of_ten(5 - of_text);
+      table[i].exponent[up][0] = 'e';
+      table[i].exponent[up][1] = of_text < 0 ? '-' : '+';
+      table[i].exponent[up][2] = digit(magnitude / 10);
+      table[i].exponent[up][3] = digit(magnitude);
+    }
+  }
+  return table;
+}();
+
+// Above 2.01 roundings of a scaled number, and those of what is made of it here.
+constexpr double scaled_error = 0x1p-50;
+
 }  // namespace
 
 void str_scientific(double value, char* text) {
-  if (value == 0.0 || !std::isfinite(value) || !put_unless_tied(value, cut_off, text)) {
+  if (value == 0.0) {
+    std::memcpy(text, std::signbit(value) ? " -0.00000e+00" : "  0.00000e+00", str_scientific_width);
+  } else if (!std::isfinite(value) || !put_unless_tied(value, cut_off, text)) {
     put_rare(value, text);
   }
 }
 
 bool str_scientific_sure(double value, double tolerance, char* text) {
   const double magnitude = std::fabs(value);
-  if (!(magnitude >= 1e-250 && magnitude < HUGE_VAL && tolerance < 1e-7)) {
+  const auto place = static_cast<unsigned>(std::bit_cast<std::uint64_t>(magnitude) >> 52) - first_binade;
+  if (!(tolerance < 1e-7)) {
     return false;
   }
-  return put_unless_tied(value, static_cast<std::uint64_t>(tolerance * 0x1p64) + cut_off + 1, text);
+  if (place < binades.size()) {
+    const Binade& binade = binades[place];
+    // Next to a power of ten both sides give the same text.
+    const auto up = static_cast<unsigned>(magnitude >= binade.next);
+    const double scaled = magnitude * binade.scale[up];
+    const double shifted = scaled + 0x1p52;  // the nearest integer in the lowest bits
+    const double distance = std::fabs(scaled - (shifted - 0x1p52));
+    if (!(0.5 - distance > scaled * (tolerance + scaled_error))) {
+      return false;
+    }
+    const auto digits = static_cast<unsigned>(std::bit_cast<std::uint64_t>(shifted));
+    if (digits < 1000000) {
+      std::memcpy(text, value < 0.0 ? " -" : "  ", 2);
+      std::memcpy(text + 2, &first_digits[digits / 1000], 4);
+      std::memcpy(text + 6, &last_digits[digits % 1000], 4);
+      std::memcpy(text + 9, binade.exponent[up], 4);
+      return true;
+    }
+  }
+  return magnitude >= 1e-250 && magnitude < HUGE_VAL &&
+         put_unless_tied(value, static_cast<std::uint64_t>(tolerance * 0x1p64) + cut_off + 1, text);
 }

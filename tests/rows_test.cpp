@@ -10,6 +10,9 @@
 
 namespace {
 
+// The grids of tests are small.
+[[maybe_unused]] const int rows_everywhere = setenv("ORVA_ROWS", "always", 1);
+
 using Orbitals = std::vector<WeightedOrbital>;
 
 std::unique_ptr<RowSweep> make_rows(const Molecule& molecule, const CubeDefinition& cube, FieldKind field,
@@ -166,6 +169,90 @@ TEST(Rows, KeepWithinTheirTolerance) {
     });
   }
   EXPECT_GT(found.known, 5 * found.unknown);
+}
+
+// Where neighbouring points differ by many orders of magnitude, all is known but the first rows, which are
+// weighed as if they did not, and what is below rows_least.
+TEST(Rows, KnowWhatIsFarApartAndFarOut) {
+  std::mt19937_64 random(14);
+  const CubeDefinition cube = {{5, 9, 26}, {{-9, 3, -13}}, {{1.1, 0, 0}, {0, 0.8, 0}, {0, 0, 1.03}}};
+  for (const SmallFchk& fields : {SmallFchk{}, strained(random)}) {
+    const auto molecule = read_text(fcheck_read, fchk_text(fields));
+    const Orbitals two = {&molecule->alpha_orbitals[1], &molecule->alpha_orbitals[3]};
+    with_every_kernel([&](const char*) {
+      Found found;
+      expect_within_tolerance(*molecule, cube, FieldKind::density_and_potential,
+                              occupation_of(molecule.get()).orbitals, &found);
+      expect_within_tolerance(*molecule, cube, FieldKind::orbital, two, &found);
+      expect_within_tolerance(*molecule, cube, FieldKind::orbital_density, {molecule->alpha_orbitals},
+                              &found);
+      EXPECT_GT(found.known, 9 * found.unknown);
+    });
+  }
+}
+
+// Neighbouring rows that are weighed together differ in one coordinate; on other grids each is by itself.
+TEST(Rows, LieOnAnyGridAlongTheAxes) {
+  const auto molecule = read_text(fcheck_read, fchk_text());
+  const std::pair<const char*, CubeDefinition> grids[] = {
+      {"both across change", {{1, 9, 40}, {{-1, -1.5, -2}}, {{0, 0, 0}, {0.1, 0.13, 0}, {0, 0, 0.2}}}},
+      {"no second step", {{3, 9, 40}, {{-1, 0.1, -2}}, {{0.3, 0, 0}, {0, 0, 0}, {0, 0, 0.2}}}},
+      {"no first step", {{3, 9, 40}, {{0.2, -1, -2}}, {{0, 0, 0}, {0, 0.1, 0}, {0, 0, 0.2}}}},
+      {"the other way round", {{3, 9, 40}, {{-1, -1, -2}}, {{0, 0.3, 0}, {0.1, 0, 0}, {0, 0, 0.2}}}},
+      {"along y", {{3, 9, 40}, {{-1, -2, -1}}, {{0, 0, 0.3}, {0.1, 0, 0}, {0, 0.2, 0}}}}};
+  for (const auto& [name, cube] : grids) {
+    SCOPED_TRACE(name);
+    with_every_kernel([&, &at = cube](const char*) {
+      Found found;
+      expect_within_tolerance(*molecule, at, FieldKind::density_and_potential,
+                              occupation_of(molecule.get()).orbitals, &found);
+      EXPECT_EQ(found.unknown, 0U);
+    });
+  }
+}
+
+// A tile with next to nothing at one end, and at the other large functions that cancel.
+TEST(Rows, BoundEachPointByItself) {
+  SmallFchk fields = {.electrons = 2, .alpha_electrons = 1, .beta_electrons = 1};
+  fields.atoms = {{1, {0, 0, 0}}, {1, {0, 0, 8.3}}};
+  fields.shells = {{0, 1, {0.001}, {1.0}, {}}};
+  for (const double exponent : {0.3, 0.300003, 0.300006}) {
+    fields.shells.push_back({0, 2, {exponent}, {1.0}, {}});
+  }
+  fields.coefficient = [](unsigned, unsigned j) { return std::array{10.0, 1e9, -2e9, 1e9}[j]; };
+  const auto molecule = read_text(fcheck_read, fchk_text(fields));
+  const CubeDefinition cube = {{1, 6, 32}, {{1, 1, 0}}, {{1, 0, 0}, {0, 0.7, 0}, {0, 0, 1}}};
+  with_every_kernel([&](const char*) {
+    Found found;
+    expect_within_tolerance(*molecule, cube, FieldKind::density_and_potential,
+                            occupation_of(molecule.get()).orbitals, &found);
+    EXPECT_GT(found.known, 200U);
+  });
+}
+
+// Coefficients whose squares underflow, with weights and normalization constants that make up for it.
+TEST(Rows, CountCoefficientsThatAreNextToNothing) {
+  SmallFchk fields = {.atoms = {{1, {0, 0, 0}}}, .shells = {{0, 1, {2.0}, {1.0}, {}}}};
+  for (unsigned i = 1; i <= 300; ++i) {
+    const double exponent = 2.0 + 0.0001 * i;
+    fields.shells.push_back({0, 1, {exponent}, {0.9e30 / std::pow(2.0 * exponent / M_PI, 0.75)}, {}});
+  }
+  fields.coefficient = [](unsigned i, unsigned j) {
+    return i == 0 ? (j == 0 ? 1.0 : 0.0) : (j == 0 ? 6e-130 : 1.5e-162);
+  };
+  const auto molecule = read_text(fcheck_read, fchk_text(fields));
+  const CubeDefinition cube = {{1, 6, 32}, {{0.1, -0.7, -8}}, {{1, 0, 0}, {0, 0.7, 0}, {0, 0, 0.5}}};
+  molecule->has_occupations = true;
+  for (Orbital& orbital : std::span(molecule->alpha_orbitals, molecule->alpha_orbital_count)) {
+    orbital.occupation = 0.0;
+  }
+  molecule->alpha_orbitals[0].occupation = 1.0, molecule->alpha_orbitals[0].energy = 0.0;
+  molecule->alpha_orbitals[1].occupation = 1e30, molecule->alpha_orbitals[1].energy = -1e30;
+  with_every_kernel([&](const char*) {
+    Found found;
+    expect_within_tolerance(*molecule, cube, FieldKind::density_and_potential,
+                            occupation_of(molecule.get()).orbitals, &found);
+  });
 }
 
 // Many functions, each too small to be kept, which together are more than all rounding, in an orbital that

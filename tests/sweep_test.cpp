@@ -121,6 +121,9 @@ TEST(Sweep, WritesTheTextOfThePointByPointFunctionsWithEveryKernel) {
   setenv("ORVA_KERNEL", "abacus", 1);
   expect_error(fields_check, "kernel \"abacus\" is not available, only" + names);
   unsetenv("ORVA_KERNEL");
+  setenv("ORVA_ROWS", "no", 1);
+  expect_error(fields_check, "ORVA_ROWS is \"no\", neither \"always\" nor \"never\"");
+  setenv("ORVA_ROWS", "always", 1);
 }
 
 TEST(Sweep, GivesEveryBitOfEveryBasisFunction) {
@@ -219,11 +222,13 @@ TEST(ScientificText, IsSureWhereTheWholeToleranceHasOneText) {
   char text[str_scientific_width + 1] = {};
   unsigned sure_count = 0;
   for (int i = 0; i < 300000; ++i) {
-    const double digits = 100000.5 + static_cast<double>(random() % 900000);
+    // One in eight next to where the exponent of the text goes up.
+    const double digits = random() % 8 == 0 ? 1e6 - 0.5 * static_cast<double>(random() % 3)
+                                            : 100000.5 + static_cast<double>(random() % 900000);
     const double tolerance = std::pow(10.0, -7.001 - static_cast<double>(random() % 8));
     const double offset = 8.0 * tolerance * (static_cast<double>(random() % 2001) / 1000.0 - 1.0);
     const double value = (random() % 2 == 0 ? 1.0 : -1.0) * digits * (1.0 + offset) *
-                         std::pow(10.0, static_cast<int>(random() % 40) - 20);
+                         std::pow(10.0, static_cast<int>(random() % 220) - 110);
     const auto around = [&](double share) {
       return formatted("%13.5e", value * (1.0 - share * tolerance)) ==
              formatted("%13.5e", value * (1.0 + share * tolerance));
@@ -260,7 +265,9 @@ TEST(ScientificText, IsThatOfPrintf) {
     check(from_bits(random(), 0.0));  // every magnitude, NaN and infinities among them
   }
   for (int i = 0; i < 100000; ++i) {  // decimal ties: six digits and a half
-    const double digits = 100000.5 + static_cast<double>(random() % 900000);
+    // One in eight next to where the exponent of the text goes up.
+    const double digits = random() % 8 == 0 ? 1e6 - 0.5 * static_cast<double>(random() % 3)
+                                            : 100000.5 + static_cast<double>(random() % 900000);
     check_with_neighbours(digits * std::pow(10.0, static_cast<int>(random() % 40) - 20));
   }
   for (int exponent = -323; exponent <= 308; ++exponent) {

@@ -41,6 +41,7 @@ void write_texts(const Molecule* molecule, const CubeDefinition* cube, FieldKind
   const std::unique_ptr<double*, void (*)(double**)> until_the_end(
       &comp_bfce_vec, [](double** vector) { *vector = nullptr; });
   Progress progress;
+  const std::size_t length = cube->npoints[2];
   std::vector<unsigned char> in_doubt;
   while (fields.next()) {
     if (fields.is_exact()) {
@@ -48,13 +49,20 @@ void write_texts(const Molecule* molecule, const CubeDefinition* cube, FieldKind
         text->put(fields.values(field));
       }
     } else {
-      in_doubt.assign(cube->npoints[2], 0);
+      const unsigned row_count = fields.row_count();
+      in_doubt.assign(row_count * length, 0);
+      const auto of_row = [&](unsigned row) { return std::span(in_doubt).subspan(row * length, length); };
       for (const auto& [text, field] : texts) {
-        text->put_row(fields.values(field), fields.tolerances(field), in_doubt);
+        text->start_rows(row_count);
+        for (unsigned row = 0; row < row_count; ++row) {
+          text->put_row(fields.values(field, row), fields.tolerances(field, row), of_row(row));
+        }
       }
       fields.settle(in_doubt);
       for (const auto& [text, field] : texts) {
-        text->correct(fields.values(field), in_doubt);
+        for (unsigned row = 0; row < row_count; ++row) {
+          text->correct(row, fields.values(field, row), of_row(row));
+        }
       }
     }
     progress.show(fields.part_done());

@@ -57,9 +57,14 @@ void CubeText::put(std::span<const double> values) {
   }
 }
 
+void CubeText::start_rows(unsigned count) {
+  make_room(size_of(count, row_length_));
+  rows_start_ = used_;
+}
+
 void CubeText::put_row(std::span<const double> values, std::span<const double> tolerances,
                        std::span<unsigned char> in_doubt) {
-  put_values(row_length_, 0, row_length_, add_row(), [&](std::size_t n, char* to) {
+  put_values(row_length_, 0, row_length_, text_.data() + used_, [&](std::size_t n, char* to) {
     if (str_scientific_sure(values[n], tolerances[n], to)) {
       return;
     }
@@ -69,19 +74,15 @@ void CubeText::put_row(std::span<const double> values, std::span<const double> t
       in_doubt[n] = 1;
     }
   });
+  used_ += size_of(1, row_length_);
 }
 
-char* CubeText::add_row() {
-  const std::size_t size = size_of(1, row_length_);
-  make_room(size);
-  row_start_ = std::exchange(used_, used_ + size);
-  return text_.data() + row_start_;
-}
-
-void CubeText::correct(std::span<const double> values, std::span<const unsigned char> in_doubt) {
+void CubeText::correct(unsigned row, std::span<const double> values,
+                       std::span<const unsigned char> in_doubt) {
+  char* const text = text_.data() + rows_start_ + size_of(row, row_length_);
   for (std::size_t n = 0; n < in_doubt.size(); ++n) {
     if (in_doubt[n] != 0) {
-      str_scientific(values[n], text_.data() + row_start_ + n * str_scientific_width + n / in_line);
+      str_scientific(values[n], text + n * str_scientific_width + n / in_line);
     }
   }
 }

@@ -26,21 +26,23 @@ class CubeText {
   /// Appends values; rows end where they are full.
   void put(std::span<const double> values);
 
-  /// Appends a row of values that are known to a relative tolerance each, behind whole rows only. Where that
-  /// leaves a text in doubt, `in_doubt` is set for the value, and `correct` is to follow.
+  /// Behind whole rows only: as many follow by put_row, before anything else is put.
+  void start_rows(unsigned count);
+
+  /// Appends a row of values that are known to a relative tolerance each. Where that leaves a text in doubt,
+  /// `in_doubt` is set for the value, and `correct` is to follow.
   void put_row(std::span<const double> values, std::span<const double> tolerances,
                std::span<unsigned char> in_doubt);
 
-  /// Gives the values of that row anew that are in doubt.
-  void correct(std::span<const double> values, std::span<const unsigned char> in_doubt);
+  /// Gives the values of one of those rows anew that are in doubt.
+  void correct(unsigned row, std::span<const double> values, std::span<const unsigned char> in_doubt);
 
  private:
-  char* add_row();
   void make_room(std::size_t size);
 
   std::FILE* stream_;
   unsigned row_length_, in_row_ = 0;
-  std::size_t used_ = 0, row_start_ = 0;
+  std::size_t used_ = 0, rows_start_ = 0;
   std::unique_ptr<char[]> own_;
   std::span<char> text_;
 };

@@ -1,6 +1,9 @@
 #include "app/field/fields.hpp"
 
 #include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <string_view>
 #include <vector>
 
 #include "app/field/exact/sweep.hpp"
@@ -8,6 +11,7 @@
 #include "app/field/point/eval.hpp"
 #include "app/field/rows/rows.hpp"
 #include "app/model/occupation.hpp"
+#include "lib/message.hpp"
 
 namespace {
 
@@ -16,7 +20,22 @@ namespace {
 // neighbours.
 constexpr double doubt_max = 0.25;
 
-constexpr unsigned pause_max = 63;  // rows
+constexpr unsigned pause_max = 7;  // rows
+
+// On fewer points rows do not save what it takes to prepare them.
+constexpr double row_points_min = 16384;
+
+bool is_by_rows(double point_count) {
+  const char* const wanted = std::getenv("ORVA_ROWS");
+  if (wanted == nullptr) {
+    return point_count >= row_points_min;
+  }
+  const std::string_view word = wanted;
+  if (word != "always" && word != "never") {
+    msg_fatal_format("ORVA_ROWS is \"%s\", neither \"always\" nor \"never\"", wanted);
+  }
+  return word == "always";
+}
 
 std::vector<WeightedOrbital> weighted(const Molecule* molecule, FieldKind kind,
                                       std::span<const Orbital> orbitals) {
@@ -38,7 +57,9 @@ struct Fields::State {
       : cube(grid),
         field_count(kind == FieldKind::density_and_potential ? 2 : orbitals.size()),
         exact(molecule, set.exact, kind, orbitals, cube_extent(grid)),
-        rows(RowSweep::make(molecule, grid, set.rows, kind, orbitals)),
+        rows(is_by_rows(1.0 * grid->npoints[0] * grid->npoints[1] * grid->npoints[2])
+                 ? RowSweep::make(molecule, grid, set.rows, kind, orbitals)
+                 : nullptr),
         points(3 * std::size_t{exact.block_points()}) {
     if (std::ranges::count(cube->npoints, 0U) != 0) {
       next[0] = cube->npoints[0];
@@ -66,12 +87,21 @@ struct Fields::State {
     }
   }
 
-  void run_row(bool by_rows) {
-    if (by_rows) {
-      rows->run(i, j);
-      held = Held::row;
-      return;
+  // At most so many rows. False if they are left to the exact sweep.
+  bool run_rows(unsigned most) {
+    if (rows == nullptr || pause > 0) {
+      return false;
     }
+    row_count = std::min(rows->run(i, j), most);
+    if (row_count == 0) {
+      set_pause(false);
+      return false;
+    }
+    held = Held::rows;
+    return true;
+  }
+
+  void run_exact_row() {
     const std::size_t length = cube->npoints[2];
     exact_row.resize(field_count * length);
     run_exact(
@@ -81,11 +111,17 @@ struct Fields::State {
     held = Held::exact_row;
   }
 
-  // The next points in the order of cube files, a block.
-  void run_block() {
+  void set_pause(bool is_worth_while) {
+    pause = is_worth_while ? 0 : next_pause;
+    next_pause = is_worth_while ? 0 : std::min(2 * next_pause + 1, pause_max);
+  }
+
+  // The next points in the order of cube files, at most so many and at most a block.
+  void run_block(std::size_t most) {
     const unsigned room = exact.block_points();
-    for (count = 0; count < room && next[0] < cube->npoints[0];) {
-      const unsigned run = std::min(room - count, cube->npoints[2] - next[2]);
+    const auto end = static_cast<unsigned>(std::min<std::size_t>(room, most));
+    for (count = 0; count < end && next[0] < cube->npoints[0];) {
+      const unsigned run = std::min(end - count, cube->npoints[2] - next[2]);
       for (unsigned c = 0; c < 3; ++c) {
         for (unsigned n = 0; n < run; ++n) {
           points[std::size_t{c} * room + count + n] = cube_coordinate(cube, next[0], next[1], next[2] + n, c);
@@ -111,15 +147,17 @@ struct Fields::State {
   Sweep exact;
   std::unique_ptr<RowSweep> rows;  // null: the exact sweep does it all
   std::vector<double> points;      // of a block
-  // What is at hand: a row by rows, a row of exact values, or a block that the exact sweep still holds.
-  enum class Held { nothing, row, exact_row, block } held = Held::nothing;
-  unsigned i = 0, j = 0;          // of the row
+  // What is at hand: rows, a row of exact values, or a block that the exact sweep still holds.
+  enum class Held { nothing, rows, exact_row, block } held = Held::nothing;
+  unsigned i = 0, j = 0;  // of the first row
+  unsigned row_count = 0;
   unsigned count = 0;             // of points in the block
   unsigned next[3] = {};          // indices of the point with which `next` goes on
   std::vector<double> exact_row;  // [field][point]
   // Where rows leave much in doubt, one after the other, they are not even tried for a while.
   unsigned pause = 0, next_pause = 0;
-  std::vector<unsigned> doubts;  // the points of a row that are to be settled
+  std::size_t exact_left = 0;       // points that `next` is to give from blocks meanwhile
+  std::vector<std::size_t> doubts;  // the points of rows that are to be settled
 };
 
 Fields::Fields(const Molecule* molecule, const CubeDefinition* cube, FieldKind kind,
@@ -134,12 +172,22 @@ bool Fields::next() {
   if (state.next[0] == state.cube->npoints[0]) {
     return false;
   }
-  if (state.rows == nullptr) {
-    state.run_block();
-  } else {
-    row(state.next[0], state.next[1]);
-    state.advance(state.cube->npoints[2]);
+  constexpr std::size_t all = std::numeric_limits<std::size_t>::max();
+  if (state.exact_left == 0) {
+    state.i = state.next[0];
+    state.j = state.next[1];
+    if (state.run_rows(state.cube->npoints[1])) {
+      for (unsigned row = 0; row < state.row_count; ++row) {
+        state.advance(state.cube->npoints[2]);
+      }
+      return true;
+    }
+    state.exact_left =
+        state.rows == nullptr ? all : std::size_t{std::max(state.pause, 1U)} * state.cube->npoints[2];
+    state.pause = 0;
   }
+  state.run_block(state.exact_left);
+  state.exact_left -= state.count;
   return true;
 }
 
@@ -153,18 +201,22 @@ void Fields::row(unsigned i, unsigned j) {
   State& state = *state_;
   state.i = i;
   state.j = j;
-  state.run_row(state.rows != nullptr && state.pause == 0);
-  state.pause -= state.pause > 0 ? 1 : 0;
+  if (!state.run_rows(1)) {
+    state.pause -= state.pause > 0 ? 1 : 0;
+    state.run_exact_row();
+  }
 }
 
-bool Fields::is_exact() const { return state_->held != State::Held::row; }
+bool Fields::is_exact() const { return state_->held != State::Held::rows; }
 
-std::span<const double> Fields::values(std::size_t field) const {
+unsigned Fields::row_count() const { return state_->row_count; }
+
+std::span<const double> Fields::values(std::size_t field, unsigned row) const {
   const State& state = *state_;
   const std::size_t length = state.cube->npoints[2];
   switch (state.held) {
-    case State::Held::row:
-      return state.rows->field(field);
+    case State::Held::rows:
+      return state.rows->field(field, row);
     case State::Held::exact_row:
       return {state.exact_row.data() + field * length, length};
     default:
@@ -172,28 +224,36 @@ std::span<const double> Fields::values(std::size_t field) const {
   }
 }
 
-std::span<const double> Fields::tolerances(std::size_t field) const {
-  return state_->rows->tolerances(field);
+std::span<const double> Fields::tolerances(std::size_t field, unsigned row) const {
+  return state_->rows->tolerances(field, row);
 }
 
 void Fields::settle(std::span<const unsigned char> in_doubt) {
   State& state = *state_;
   state.doubts.clear();
-  for (unsigned k = 0; k < in_doubt.size(); ++k) {
-    if (in_doubt[k] != 0) {
-      state.doubts.push_back(k);
+  std::size_t known = 0, vague = 0;
+  const std::size_t length = state.cube->npoints[2];
+  for (std::size_t start = 0; start < in_doubt.size(); start += length) {
+    const auto tolerances = state.rows->tolerances(0, static_cast<unsigned>(start / length));
+    for (std::size_t k = 0; k < length; ++k) {
+      known += tolerances[k] < 1.0 ? 1 : 0;
+      if (in_doubt[start + k] != 0) {
+        state.doubts.push_back(start + k);
+        vague += tolerances[k] < 1.0 ? 1 : 0;
+      }
     }
   }
-  const bool is_worth_while = static_cast<double>(state.doubts.size()) <= doubt_max * state.cube->npoints[2];
-  state.pause = is_worth_while ? 0 : state.next_pause;
-  state.next_pause = is_worth_while ? 0 : std::min(2 * state.next_pause + 1, pause_max);
+  state.set_pause(known > 0 && static_cast<double>(vague) <= doubt_max * static_cast<double>(known));
   state.run_exact(
       state.doubts.size(),
       [&](std::size_t n, unsigned c) {
-        return cube_coordinate(state.cube, state.i, state.j, state.doubts[n], c);
+        const std::size_t at = state.doubts[n];
+        return cube_coordinate(state.cube, state.i, state.j + static_cast<unsigned>(at / length),
+                               static_cast<unsigned>(at % length), c);
       },
       [&](std::size_t field, std::size_t n, double value) {
-        state.rows->field(field)[state.doubts[n]] = value;
+        const std::size_t at = state.doubts[n];
+        state.rows->field(field, static_cast<unsigned>(at / length))[at % length] = value;
       });
 }
 
@@ -227,4 +287,7 @@ double fields_numbers_kept(unsigned basis_count, unsigned row_length) {
   return 5.0 * basis_count + 3.0 * row_length;
 }
 
-void fields_check() { choose_instruction_set(); }
+void fields_check() {
+  choose_instruction_set();
+  is_by_rows(0.0);
+}

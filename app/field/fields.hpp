@@ -31,13 +31,13 @@ class Fields {
   /// The fields of a kind on a grid: the total density (0, bohr^-3) and the average local ionization
   /// potential (1, hartree; NaN where the density is 0), for which `orbitals` is empty; or of each of
   /// `orbitals` its value (bohr^(-3/2)) or its density (bohr^-3). Both the molecule and the grid must stay.
-  /// An unknown ORVA_KERNEL ends the run: see fields_check. Without memory this and all that evaluates throw
+  /// An unknown ORVA_KERNEL or ORVA_ROWS ends the run: see fields_check. Without memory this and all that evaluates throw
   /// std::bad_alloc.
   Fields(const Molecule* molecule, const CubeDefinition* cube, FieldKind kind,
          std::span<const Orbital> orbitals = {});
   ~Fields();
 
-  /// Goes on to the next points of the grid in the order of cube files, the third index fastest: a row, or,
+  /// Goes on to the next points of the grid in the order of cube files, the third index fastest: rows, or,
   /// where they are exact, as many as suit, wherever rows end. False at the end of the grid.
   bool next();
 
@@ -50,15 +50,19 @@ class Fields {
   /// Whether the values at hand are the exact ones.
   bool is_exact() const;
 
-  /// Values of a field at the points at hand, up to the next call of anything that evaluates.
-  std::span<const double> values(std::size_t field) const;
+  /// How many rows are at hand, where they are not exact.
+  unsigned row_count() const;
+
+  /// Values of a field at the points at hand, up to the next call of anything that evaluates: of one of the
+  /// rows, or all that are exact.
+  std::span<const double> values(std::size_t field, unsigned row = 0) const;
 
   /// How far, relatively, the exact values may be from those of a row that is not exact; infinite or NaN
   /// where nothing is known.
-  std::span<const double> tolerances(std::size_t field) const;
+  std::span<const double> tolerances(std::size_t field, unsigned row = 0) const;
 
-  /// Makes values of the row exact, in all fields, where `in_doubt` (a number a point) is not 0. To be called
-  /// once for a row that is not exact: from what is in doubt follows whether the next rows are worth while.
+  /// Makes values of the rows exact, in all fields, where `in_doubt` (a number a point) is not 0. To be called
+  /// once for rows that are not exact: from what is in doubt follows whether the next are worth while.
   void settle(std::span<const unsigned char> in_doubt);
 
   /// Exact values at points of any list: values[field · points.size() + n]. Coordinates are numbers of a
@@ -83,5 +87,6 @@ void fields_at_point(const Molecule* molecule, const double* point, FieldKind ki
 double fields_numbers_kept(unsigned basis_count, unsigned row_length);
 
 /// Ends the run with "kernel \"%s\" is not available, only ..." if the environment variable ORVA_KERNEL names
-/// no instruction set that the program and the processor have.
+/// no instruction set that the program and the processor have, and with "ORVA_ROWS is \"%s\", neither
+/// \"always\" nor \"never\"" if that, which has rows everywhere or nowhere, is something else.
 void fields_check();

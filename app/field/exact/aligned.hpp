@@ -5,6 +5,7 @@
 #include <vector>
 
 /// Puts the elements of a container on a 64-byte boundary, where the widest packs are loaded and stored best.
+/// Elements without a given value have none: memory that a run does not need is then never touched.
 template <class Element>
 struct AlignedAllocator {
   using value_type = Element;
@@ -17,6 +18,9 @@ struct AlignedAllocator {
     return static_cast<Element*>(::operator new (count * sizeof(Element), std::align_val_t{64}));
   }
   void deallocate(Element* elements, std::size_t) { ::operator delete (elements, std::align_val_t{64}); }
+  void construct(Element* element) { ::new (element) Element; }
+  template <class... Values>
+  void construct(Element* element, const Values&... values) { ::new (element) Element(values...); }
   bool operator==(const AlignedAllocator&) const = default;
 };
 

@@ -20,27 +20,32 @@ class RowSweep {
                                         const RowKernel& kernel, FieldKind field,
                                         std::span<const WeightedOrbital> orbitals);
 
-  /// Evaluates the fields in the row of the first two indices.
-  void run(unsigned i, unsigned j);
+  /// Evaluates the fields in the row of the first two indices, perhaps with some of the next ones. How many
+  /// are at hand then; 0 if nothing is known of the row.
+  unsigned run(unsigned i, unsigned j);
 
-  /// What the last run found for each point of the row; numbers as for Sweep::field.
-  std::span<double> field(std::size_t number) { return part_of(fields_, number); }
+  /// What the last run found for each point of its row, or of one behind it; numbers as for Sweep::field.
+  std::span<double> field(std::size_t number, unsigned row = 0) { return part_of(fields_, number, row); }
 
   /// How far, relatively, the exact sweep's values may lie from these; infinite or NaN where nothing is
   /// known.
-  std::span<const double> tolerances(std::size_t number) { return part_of(tolerances_, number); }
+  std::span<const double> tolerances(std::size_t number, unsigned row = 0) {
+    return part_of(tolerances_, number, row);
+  }
 
  private:
-  RowSweep(std::unique_ptr<RowTables> tables, const RowKernel& kernel, unsigned row_length);
+  RowSweep(std::unique_ptr<RowTables> tables, const RowKernel& kernel, const CubeDefinition* cube);
   void lay_out();
-  std::span<double> part_of(AlignedDoubles& values, std::size_t number) {
-    return {values.data() + number * piece_.stride, row_length_};
+  std::span<double> part_of(AlignedDoubles& values, std::size_t number, unsigned row) {
+    return {values.data() + (j_ + row - first_j_) * piece_.row_stride + number * piece_.stride, row_length_};
   }
 
   std::unique_ptr<RowTables> tables_;
   const RowKernel& kernel_;
-  unsigned row_length_;
+  unsigned row_length_, j_count_, together_max_;
+  unsigned i_ = 0, j_ = 0, first_j_ = 0, end_j_ = 0;  // the row, and the rows of its i that are evaluated
   RowPiece piece_{};
+  std::vector<RowWeighing> weighings_;  // of the pieces, as the last row had them best
   AlignedDoubles fields_, tolerances_, memory_;
   std::vector<RowUse> uses_;
   std::vector<unsigned> functions_;

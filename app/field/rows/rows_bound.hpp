@@ -2,11 +2,11 @@
 
 #include <array>
 #include <cmath>
-#include <numbers>
 #include <span>
 #include <string_view>
 
 #include "app/field/point/exponential.hpp"
+#include "app/field/rows/rows_plan.hpp"
 #include "app/model/shell.hpp"
 
 // How far the values of the sweep by rows may lie from those of the exact sweep: a proof, to be read from top
@@ -24,8 +24,9 @@
 // relatively. A number that is made by products and sums, k roundings at most between each term and the
 // result, is off by at most k u of what it comes to with all terms taken positive; (k u)² is below the margin
 // of 3. Fused operations round less often. From here on the error is the distance between both sweeps'
-// values. A tolerance is relative to the value of the rows, and a value is sure only if its tolerance is
-// below 10^-7.
+// values. A tolerance is relative to the value of the rows. Cube files take a value only if its tolerance is
+// below 10^-7: it is sure. Surfaces take any, but only of sums over orbitals, where the margin of 7 covers
+// all of Δ.
 //
 // 2. The roundings of a term, in both sweeps: what lies between it and φ_o. The error of φ_o is at most the
 // sum of this table, in u, of Σ_f |C_fo| V_f.
@@ -75,7 +76,7 @@ inline constexpr std::array rows_roundings = {
     RowRounding{"ratio times integer, times C", "add_function, add_coefficients", RowCount::once, 2},
     RowRounding{"sum over the functions of a radial", "add_coefficients", RowCount::multiple, 1},
     // The kernel of the rows.
-    RowRounding{"w times both factors across", "weigh_radial", RowCount::once, 2},
+    RowRounding{"w times both factors across", "multiply_factors", RowCount::once, 2},
     RowRounding{"times the factor along", "evaluate_radial", RowCount::once, 1},
     RowRounding{"sum over terms", "evaluate_radial", RowCount::primitive, 1},
     RowRounding{"powers, in all", "multiply_out, evaluate_radial", RowCount::once, shell_max},
@@ -109,72 +110,91 @@ static_assert(rows_units(rows_roundings, RowCount::argument) == 6.0 &&
 // of multiples are equal to the bit. At most as many pairs of powers across as a shell has functions add up
 // to shell_max or less.
 //
-// 3. With a <= 48 therefore |error of φ_o| <= ε Σ_f |C_fo| V_f, where ε = (6·48 + 100 + 2 P + n + F + g) u.
-// The kernel takes for V_f the sum over powers of what they come to at most in a tile (`peaks`). Bounds are
+// 3. With a <= b therefore |error of φ_o| <= ε Σ_f |C_fo| V_f, where ε = (6 b + 100 + 2 P + n + F + g) u.
+// A piece of a row is weighed by tiles, with b = 48: then the kernel takes for V_f the sum over powers of
+// what they come to at most in a tile (`peaks`), in any of the rows that are weighed together. Or by points:
+// then each point has a bound of its own, from what the terms come to there with all weights taken positive,
+// and b = 746, beyond which an exponential is 0 or a few 2^-1074 in both sweeps, which 4 counts. Bounds are
 // evaluated in doubles themselves, and errors of errors are left out: the margin is above both, as long as
 // fewer than 10^8 numbers are added up.
 
 inline constexpr double rows_margin = 1.0625;
-inline constexpr double rows_argument_max = 48.0;
+inline constexpr double rows_argument_max[] = {48.0, exponential_zero_limit};  // by RowWeighing
 
 /// ε without n and g, and what each of these adds.
-constexpr double rows_rounding(double term_max, double function_max) {
+constexpr double rows_rounding(double argument_max, double term_max, double function_max) {
   return rows_margin * rows_unit *
-         (rows_units(rows_roundings, RowCount::argument) * rows_argument_max +
+         (rows_units(rows_roundings, RowCount::argument) * argument_max +
           rows_units(rows_roundings, RowCount::once) +
           rows_units(rows_roundings, RowCount::primitive) * term_max +
           rows_units(rows_roundings, RowCount::multiple) * function_max);
 }
 inline constexpr double rows_rounding_of_summand = rows_margin * rows_unit;
 
-// 4. The tail. For a term with a > 48 the bound lacks (6 a - 6·48) u: from a = 746 on both sweeps have
-// nothing of it to any purpose, below that it is at most 2^-40 of the term. Since r^l exp(-α r²) falls from α
-// r² = l/2 on, the term is smaller than at a = 48, where no offset is above sqrt(48 / α). Terms that the rows
-// do not evaluate at all, as they are out of reach (6), come to less than rows_negligible each. Both are
-// added up over all terms, near or far; a term is here one of a radial, with all functions that share it, and
-// with |C| or the length of 7. An exponential that underflows is off by 2^-1074, far below 2^-40 exp(-48). No
-// value of an orbital below 10^-19 is sure, as the tail alone is more than 10^-7 of it: so the square of a
-// sure value does not underflow.
+// 4. The tail. By tiles, for a term with a > 48 the bound lacks (6 a - 6·48) u: from a = 746 on both sweeps
+// have nothing of it to any purpose, below that it is at most 2^-40 of the term. Since r^l exp(-α r²) falls
+// from α r² = l/2 on, the term is smaller than at a = 48, where no offset is above sqrt(48 / α). By points it
+// lacks nothing. Terms that the rows do not evaluate at all, as they are out of reach (6), come to less than
+// rows_negligible each. Both are added up over all terms, near or far; a term is here one of a radial, with
+// all functions that share it, and with |C| or the length of 7. An exponential that underflows is off by
+// 2^-1074: with all that it may be multiplied by (1e80 for an orbital, 1e110 with the root of n|ε|; see
+// rows_is_ordinary and offset_max) that is far below what is negligible. By tiles no value of an orbital
+// below 10^-19 is sure, as the tail alone is more than 10^-7 of it. By points nothing is known where V, over
+// all orbitals, comes to less than rows_least. So a bound there is at least ε rows_least, a sure value above
+// 10^7 of that, which is 10^-106, and its square does not underflow. What underflows in a sum over orbitals
+// is below Δ² in any case.
 
 inline constexpr double rows_tail = 0x1p-40;
-inline constexpr double rows_negligible = 1e-26;
+inline constexpr double rows_negligible[] = {1e-26, 1e-120};  // by RowWeighing
+inline constexpr double rows_least = 1e-100;
 static_assert(rows_units(rows_roundings, RowCount::argument) * exponential_zero_limit * rows_unit <=
               rows_tail);
-static_assert(shell_max <= 2.0 * rows_argument_max);
+static_assert(shell_max <= 2.0 * rows_argument_max[row_by_tiles] && rows_negligible[row_by_tiles] < 1e-3);
 
 /// What a term adds to the tail. magnitude(across, along): what it comes to at most, its exponential aside,
 /// where the offsets are at most so large.
 template <class Magnitude>
-double rows_tail_of(double exponent, Magnitude magnitude) {
-  const double far = std::sqrt(rows_argument_max / exponent);
-  return rows_tail * std::exp(-rows_argument_max) * magnitude(far, far) + rows_negligible;
+double rows_tail_of(RowWeighing weighing, double exponent, Magnitude magnitude) {
+  const double argument = rows_argument_max[weighing], far = std::sqrt(argument / exponent);
+  return (weighing == row_by_tiles ? rows_tail * std::exp(-argument) * magnitude(far, far) : 0.0) +
+         rows_negligible[weighing];
 }
 
 // 5. What is left out. A tile leaves out radials that come to next to nothing in it. All of their V enters
 // the bound twice: once because it is lacking in the rows, and once for its rounding in the exact sweep. For
 // adding t to a double s costs at most |t|, since s itself would be a result, and the exact sweep adds its
-// functions one after another; so these do not count in n. The same holds for the tail. Neither has a margin:
-// a value is sure only if its tolerance is below 10^-7, so that less than 5·10^-8 of it is left out, and what
-// roundings change in that is nothing against the margin of ε.
+// functions one after another; so these do not count in n. The same holds for the tail. For an orbital
+// neither has a margin: a value is sure only if its tolerance is below 10^-7, so that less than 5·10^-8 of
+// it is left out, and what roundings change in that is nothing against the margin of ε. In sums all has that
+// of 7.
 //
 // A radial is left out where its share of a tile's total is below `cut` times ε: the more, the less there is
 // to add up, but the more values are in doubt. Where each orbital has a bound of its own, the total is made
 // of the largest coefficients of any of them, and some orbitals come to much less.
+//
+// By points, the part that a radial has of the total is taken at the point where it is largest, for each
+// norm by itself, and so much of the total of any point counts as left out there. A radial whose peak in the
+// tile is below `cut` times ε of the lowest total so far is not even evaluated: its part is taken as that
+// peak by that total, which is no less than its part at any point, since totals only grow. It is missing in
+// the totals then, and needs no rounding there, as all of it is left out.
 
 inline constexpr double rows_cut = 4.0, rows_cut_of_many = 0x1p-8;
 
-// 6. The reach. In rows from some distance across on, a term comes to less than rows_negligible at all
-// points. Along a row |d|^k exp(-α d²) is at most (k / (2eα))^(k/2), not above (l / (2eα))^(k/2) for the
-// highest angular momentum l, and 1 if k = 0. Across, it falls from d² = l / (2α) on.
+// 6. The reach. From some distance on, a term comes to less than rows_negligible: no offset is above r, and
+// r^l exp(-α r²) falls from r² = l / (2α) on. A piece leaves out the terms that are so far from all its
+// points, in all rows that are weighed together: the least distance is made of those along each axis. Terms
+// are in the order of their reach by points; that by tiles is raised to no less than the one before, which
+// only keeps more.
 
 /// The square of that distance; infinite if there is none in sight.
 template <class Magnitude>
-double rows_reach(double exponent, Magnitude magnitude) {
-  const double along = std::sqrt(shell_max / (2.0 * std::numbers::e * exponent));
+double rows_reach(RowWeighing weighing, double exponent, Magnitude magnitude) {
   const auto is_out = [&](double distance2) {
-    return std::exp(-exponent * distance2) * magnitude(std::sqrt(distance2), along) <= rows_negligible;
+    const double distance = std::sqrt(distance2);
+    return std::exp(-exponent * distance2) * magnitude(distance, distance) <= rows_negligible[weighing];
   };
-  double distance2 = shell_max / exponent;
+  // Where the exponential alone does, few steps are left.
+  double distance2 = -std::log(rows_negligible[weighing]) / exponent;
   for (int step = 0; step < 50 && !is_out(distance2); ++step) {
     distance2 *= 1.1;
   }
@@ -186,8 +206,9 @@ double rows_reach(double exponent, Magnitude magnitude) {
 // errors of all √w_o φ_o is not longer. With s from the rows, the exact sweep's sum differs by at most 2 √s Δ
 // + Δ² (below, 3 in place of 1 is slack) and by the roundings of both sums. Occupations n_o weigh the
 // density, n_o |ε_o| the numerator of the potential. The relative tolerance of a quotient is the sum of both,
-// within the margin for what is sure. All points of a tile have the tolerance of its smallest s. Doubling for
-// pairs of electrons is exact.
+// within the margin for what is sure. By tiles the bound is the same for all points of a tile, and its
+// smallest s gives a tolerance that holds for all; if that is low enough they all get it, else each that of
+// its own s. By points each gets that of its own bound and s. Doubling for pairs of electrons is exact.
 
 inline constexpr std::array rows_sum_roundings = {
     RowRounding{"square", "eval_square", RowCount::once, 1},

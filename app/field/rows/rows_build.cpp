@@ -14,6 +14,14 @@ namespace {
 // often.
 constexpr unsigned chunk_orbitals = 96;
 
+double power_of(double base, unsigned exponent) {
+  double power = 1.0;
+  for (unsigned i = 0; i < exponent; ++i) {
+    power *= base;
+  }
+  return power;
+}
+
 // Keeps the products of norms and their factors within the range of doubles, with room for what underflows.
 constexpr double norm_square_min = 1e-280;
 
@@ -42,9 +50,9 @@ class OrbitalBuilder {
     const unsigned chunk_max = (count + plan.chunk_count - 1) / plan.chunk_count;
     plan.stride = (chunk_max + kernel_.lanes - 1) / kernel_.lanes * kernel_.lanes;
     const std::size_t size = tables_.monomials.size() * plan.stride;
-    tables_.coefficients.resize(size * plan.chunk_count);
+    tables_.coefficients.resize(size * plan.chunk_count, 0.0);
     const bool has_bounds = plan.field != FieldKind::density_and_potential && count > 1;
-    tables_.magnitudes.resize(has_bounds ? tables_.coefficients.size() : 0);
+    tables_.magnitudes.resize(has_bounds ? tables_.coefficients.size() : 0, 0.0);
     for (const WeightedOrbital& entry : orbitals_) {
       const auto& [orbital, weight] = entry;
       // Of sums with negative terms nothing is known relative to the sum.
@@ -99,12 +107,17 @@ class OrbitalBuilder {
   // Of a function's coefficients: the length of their vector over all orbitals, with the weights of the
   // density and of the potential; for orbitals of their own, the largest magnitude and nothing.
   void find_norms(unsigned function, double (&norms)[2]) const {
+    // A square that underflows is below what the sums start with.
+    const auto square_of = [](double weight, double coefficient) {
+      const double root = std::sqrt(weight) * coefficient;
+      return root * root;
+    };
     double largest = 0.0, squares = norm_square_min, weighted_squares = norm_square_min;
     for (std::size_t o = 0; o < orbitals_.size(); ++o) {
       const double coefficient = orbitals_[o].orbital->coefficients[function];
       largest = std::max(largest, std::fabs(coefficient));
-      squares += tables_.weights[o] * (coefficient * coefficient);
-      weighted_squares += tables_.energy_weights[o] * (coefficient * coefficient);
+      squares += square_of(tables_.weights[o], coefficient);
+      weighted_squares += square_of(tables_.energy_weights[o], coefficient);
     }
     const bool is_density = tables_.plan.field == FieldKind::density_and_potential;
     norms[0] = is_density ? std::sqrt(squares) : largest;
@@ -118,8 +131,11 @@ class OrbitalBuilder {
       term_max = std::max(term_max, radial.term_count);
       function_max = std::max(function_max, radial.basis_count);
     }
-    plan.rounding = rows_rounding(term_max, function_max);
-    plan.cut = (tables_.magnitudes.empty() ? rows_cut : rows_cut_of_many) * plan.rounding;
+    for (const RowWeighing way : {row_by_tiles, row_by_points}) {
+      RowBound& bound = plan.bounds[way];
+      bound.rounding = rows_rounding(rows_argument_max[way], term_max, function_max);
+      bound.cut = (tables_.magnitudes.empty() ? rows_cut : rows_cut_of_many) * bound.rounding;
+    }
     for (const RowRadial& radial : tables_.radials) {
       const std::span terms(tables_.terms.data() + radial.first_term, radial.term_count);
       for (RowTerm& term : terms) {
@@ -127,14 +143,20 @@ class OrbitalBuilder {
           return
               [&, norm](double across, double along) { return magnitude(radial, term, across, along, norm); };
         };
-        for (unsigned norm = 0; norm < 2; ++norm) {
-          plan.tail[norm] += rows_tail_of(term.exponent, of_norm(norm));
+        for (const RowWeighing way : {row_by_tiles, row_by_points}) {
+          for (unsigned norm = 0; norm < 2; ++norm) {
+            plan.bounds[way].tail[norm] += rows_tail_of(way, term.exponent, of_norm(norm));
+          }
+          term.reach[way] = rows_reach(way, term.exponent, [&](double across, double along) {
+            return std::max(of_norm(0)(across, along), of_norm(1)(across, along));
+          });
         }
-        term.reach = rows_reach(term.exponent, [&](double across, double along) {
-          return std::max(of_norm(0)(across, along), of_norm(1)(across, along));
-        });
       }
-      std::ranges::sort(terms, {}, &RowTerm::reach);
+      std::ranges::sort(terms, {}, [](const RowTerm& term) { return term.reach[row_by_points]; });
+      for (unsigned t = 1; t < radial.term_count; ++t) {
+        terms[t].reach[row_by_tiles] =
+            std::max(terms[t].reach[row_by_tiles], terms[t - 1].reach[row_by_tiles]);
+      }
     }
   }
 
@@ -146,8 +168,8 @@ class OrbitalBuilder {
       for (unsigned m = radial.monomials[power]; m < radial.monomials[power + 1]; ++m) {
         const RowMonomial& monomial = tables_.monomials[m];
         sum += monomial.norms[norm] *
-               std::pow(across, monomial.across / row_powers + monomial.across % row_powers) *
-               std::pow(along, power);
+               power_of(across, monomial.across / row_powers + monomial.across % row_powers) *
+               power_of(along, power);
       }
     }
     return std::fabs(term.weight) * sum;

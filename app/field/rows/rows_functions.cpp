@@ -19,7 +19,10 @@ static_assert(angular_rounding_max() <= rows_angular, "raise rows_angular, of wh
 
 namespace {
 
-constexpr unsigned row_length_min = 16;  // below, a row's own work is not worth while
+// A row's own work is not worth while below, nor where most of it is out of sight, for which there would be
+// memory too.
+constexpr unsigned row_length_min = 16;
+constexpr double sight_argument = 320.0;  // of the exponential that falls least: below 1e-138
 constexpr double table_room = 64.0 * 1024 * 1024 / sizeof(double);
 
 // What keeps all products of a sweep within the range of doubles, with room for what underflows.
@@ -59,7 +62,7 @@ class FunctionBuilder {
         radial_numbers_(radials_of(molecule)) {}
 
   bool build() {
-    if (cube_->npoints[2] < row_length_min || !find_axes() || !fit_tables()) {
+    if (!find_axes() || !find_points() || !fit_tables()) {
       return false;
     }
     std::vector<std::vector<unsigned>> of_atom(molecule_->atom_count);
@@ -97,9 +100,40 @@ class FunctionBuilder {
     return along_count == 1;
   }
 
+  // Of a row, the points where anything may be known, unless coefficients are huge: from the first to the
+  // last, and up to a whole tile.
+  bool find_points() {
+    double exponent = HUGE_VAL, low = HUGE_VAL, high = -HUGE_VAL;
+    for (const BasisFunction& function : std::span(molecule_->basis, molecule_->basis_count)) {
+      for (const double each : std::span(function.exponents, function.primitive_count)) {
+        exponent = std::min(exponent, each);
+      }
+    }
+    for (const Atom& atom : std::span(molecule_->atoms, molecule_->atom_count)) {
+      low = std::min(low, atom.coord[axis_[2]]);
+      high = std::max(high, atom.coord[axis_[2]]);
+    }
+    const double far = std::sqrt(sight_argument / exponent);
+    const auto is_in_sight = [&](unsigned k) {
+      const double coordinate = cube_coordinate(cube_, 0, 0, k, axis_[2]);
+      return coordinate >= low - far && coordinate <= high + far;
+    };
+    const unsigned length = cube_->npoints[2];
+    unsigned first = 0, end = length;
+    while (first < end && !is_in_sight(first)) {
+      ++first;
+    }
+    while (first < end && !is_in_sight(end - 1)) {
+      --end;
+    }
+    tile_count_ = (end - first + kernel_.tile_points - 1) / kernel_.tile_points;
+    tables_.plan.first_point = first;
+    tables_.plan.point_count = std::min(tile_count_ * kernel_.tile_points, length - first);
+    return tables_.plan.point_count >= row_length_min && 2 * tables_.plan.point_count >= length;
+  }
+
   // Whether there is room for the factors of all Gaussians.
   bool fit_tables() {
-    tile_count_ = (cube_->npoints[2] + kernel_.tile_points - 1) / kernel_.tile_points;
     tables_.plan.tile_room = tile_count_ + kernel_.piece_tiles;
     double primitive_count = molecule_->atom_count;
     for (const BasisFunction& function : std::span(molecule_->basis, molecule_->basis_count)) {
@@ -199,8 +233,8 @@ class FunctionBuilder {
     const unsigned points = tile_count_ * kernel_.tile_points;
     double* const along = take(points);
     for (unsigned k = 0; k < points; ++k) {
-      const unsigned last = cube_->npoints[2] - 1;
-      along[k] = cube_coordinate(cube_, 0, 0, std::min(k, last), axis_[2]) - atom.coord[axis_[2]];
+      const unsigned at = tables_.plan.first_point + std::min(k, tables_.plan.point_count - 1);
+      along[k] = cube_coordinate(cube_, 0, 0, at, axis_[2]) - atom.coord[axis_[2]];
     }
     row_atom->along = along;
     for (unsigned c = 0; c < 2; ++c) {
@@ -229,6 +263,7 @@ class FunctionBuilder {
       }
       double* const peaks = take(std::size_t{row_powers} * tables_.plan.tile_room);
       term.peaks = peaks;
+      std::fill(peaks, room, 0.0);
       for (unsigned k = 0; k < points; ++k) {
         double value = term.along[k];
         for (unsigned power = 0; power < row_powers; ++power) {
