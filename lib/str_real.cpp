@@ -1,5 +1,6 @@
 #include "str_real.hpp"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
@@ -161,8 +162,8 @@ constexpr std::uint64_t cut_off = 2;
 
 // 10^power as a double, to one rounding.
 constexpr double power_of_ten(int power) {
-  const auto biased = static_cast<std::uint64_t>(floor_log2_of_power10(power) + 1023);
-  return std::bit_cast<double>(((biased - 1) << 52) + ((significand(power) + (1U << 10)) >> 11));
+  const auto biased = std::uint64_t{1022} + static_cast<std::uint64_t>(floor_log2_of_power10(power));
+  return std::bit_cast<double>((biased << 52) + ((significand(power) + (1U << 10)) >> 11));
 }
 
 // What numbers between two powers of 2 need: where their decimal exponent goes up, if there; and below and
@@ -200,7 +201,7 @@ constexpr double scaled_error = 0x1p-50;
 
 void str_scientific(double value, char* text) {
   if (value == 0.0) {
-    std::memcpy(text, std::signbit(value) ? " -0.00000e+00" : "  0.00000e+00", str_scientific_width);
+    std::copy_n(std::signbit(value) ? " -0.00000e+00" : "  0.00000e+00", str_scientific_width, text);
   } else if (!std::isfinite(value) || !put_unless_tied(value, cut_off, text)) {
     put_rare(value, text);
   }

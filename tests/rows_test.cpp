@@ -428,6 +428,24 @@ TEST(Rows, LeaveWhatIsOutOfTheOrdinaryToTheExactSweep) {
   }
 }
 
+TEST(Fields, AreByRowsWhereTheySaveWhatTheyTakeToPrepare) {
+  const auto molecule = read_text(fcheck_read, fchk_text());
+  unsetenv("ORVA_ROWS");
+  // Two orbitals count for 32, and 3125 points for each of them are a lane's worth of work.
+  with_every_kernel([&](const char*) {
+    const unsigned lanes = choose_instruction_set().rows.lanes;
+    for (const unsigned too_few : {0U, 1U}) {
+      const CubeDefinition cube = {
+          {125, lanes - too_few, 25}, {{-1, 0, -1}}, {{0.1, 0, 0}, {0, 0.1, 0}, {0, 0, 0.1}}};
+      Fields fields(molecule.get(), &cube, FieldKind::density_and_potential);
+      ASSERT_TRUE(fields.next());
+      EXPECT_EQ(fields.is_exact(), too_few == 1U);
+      EXPECT_EQ(fields.row_count() > 1, too_few == 0U) << "neighbours are evaluated together";
+    }
+  });
+  setenv("ORVA_ROWS", "always", 1);
+}
+
 TEST(Fields, AreExactInARowWhereTheyAreSettledAndInAnyList) {
   const auto molecule = read_text(fcheck_read, fchk_text(every_shell("UHF")));
   const CubeDefinition cube = {{2, 3, 20}, {{-1, -1, -3}}, {{0.5, 0, 0}, {0, 0.4, 0}, {0, 0, 0.3}}};

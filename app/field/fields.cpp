@@ -22,13 +22,17 @@ constexpr double doubt_max = 0.25;
 
 constexpr unsigned pause_max = 7;  // rows
 
-// On fewer points rows do not save what it takes to prepare them.
-constexpr double row_points_min = 16384;
+// Rows must save what it takes to prepare them, which grows with the functions as the exact sweep's time for
+// a point does. That grows with the orbitals, too: without any, functions take as long as the sums of some
+// thirty. The narrower its kernel, the longer it takes.
+constexpr double row_work_min = 1e5;  // points times orbitals, a lane
+constexpr double orbitals_of_functions = 30.0;
 
-bool is_by_rows(double point_count) {
+bool is_by_rows(double point_count, std::size_t orbital_count, unsigned lanes) {
   const char* const wanted = std::getenv("ORVA_ROWS");
   if (wanted == nullptr) {
-    return point_count >= row_points_min;
+    const double work = point_count * (static_cast<double>(orbital_count) + orbitals_of_functions);
+    return work >= row_work_min * lanes;
   }
   const std::string_view word = wanted;
   if (word != "always" && word != "never") {
@@ -57,7 +61,8 @@ struct Fields::State {
       : cube(grid),
         field_count(kind == FieldKind::density_and_potential ? 2 : orbitals.size()),
         exact(molecule, set.exact, kind, orbitals, cube_extent(grid)),
-        rows(is_by_rows(1.0 * grid->npoints[0] * grid->npoints[1] * grid->npoints[2])
+        rows(is_by_rows(1.0 * grid->npoints[0] * grid->npoints[1] * grid->npoints[2], orbitals.size(),
+                        set.rows.lanes)
                  ? RowSweep::make(molecule, grid, set.rows, kind, orbitals)
                  : nullptr),
         points(3 * std::size_t{exact.block_points()}) {
@@ -231,6 +236,7 @@ std::span<const double> Fields::tolerances(std::size_t field, unsigned row) cons
 void Fields::settle(std::span<const unsigned char> in_doubt) {
   State& state = *state_;
   state.doubts.clear();
+  // The first field stands for all in what is known: where that is nothing, the grid is out of sight.
   std::size_t known = 0, vague = 0;
   const std::size_t length = state.cube->npoints[2];
   for (std::size_t start = 0; start < in_doubt.size(); start += length) {
@@ -283,11 +289,8 @@ void fields_at_point(const Molecule* molecule, const double* point, FieldKind ki
 
 double fields_numbers_kept(unsigned basis_count, unsigned row_length) {
   // The exact sweep keeps a coefficient for each function, rows about four. Rows keep a value and a tolerance
-  // for each point of a row, and for a row of exact values one more.
+  // for each point of a row, and the exact sweep one for each of a block, which are hardly more.
   return 5.0 * basis_count + 3.0 * row_length;
 }
 
-void fields_check() {
-  choose_instruction_set();
-  is_by_rows(0.0);
-}
+void fields_check() { is_by_rows(0.0, 0, choose_instruction_set().rows.lanes); }

@@ -31,8 +31,8 @@ class Fields {
   /// The fields of a kind on a grid: the total density (0, bohr^-3) and the average local ionization
   /// potential (1, hartree; NaN where the density is 0), for which `orbitals` is empty; or of each of
   /// `orbitals` its value (bohr^(-3/2)) or its density (bohr^-3). Both the molecule and the grid must stay.
-  /// An unknown ORVA_KERNEL or ORVA_ROWS ends the run: see fields_check. Without memory this and all that evaluates throw
-  /// std::bad_alloc.
+  /// An unknown ORVA_KERNEL or ORVA_ROWS ends the run: see fields_check. Without memory this and all that
+  /// evaluates throw std::bad_alloc.
   Fields(const Molecule* molecule, const CubeDefinition* cube, FieldKind kind,
          std::span<const Orbital> orbitals = {});
   ~Fields();
@@ -61,15 +61,16 @@ class Fields {
   /// where nothing is known.
   std::span<const double> tolerances(std::size_t field, unsigned row = 0) const;
 
-  /// Makes values of the rows exact, in all fields, where `in_doubt` (a number a point) is not 0. To be called
-  /// once for rows that are not exact: from what is in doubt follows whether the next are worth while.
+  /// Makes values of the rows exact, in all fields, where `in_doubt` (a number a point) is not 0. To be
+  /// called once for rows that are not exact: from what is in doubt follows whether the next are worth while.
   void settle(std::span<const unsigned char> in_doubt);
 
   /// Exact values at points of any list: values[field · points.size() + n]. Coordinates are numbers of a
   /// magnitude of at most 1e30 bohr.
   void at(std::span<const Point> points, std::span<double> values);
 
-  /// The values of all basis functions that the exact sweep had last, in an order of its own.
+  /// The values of all basis functions that the exact sweep had last, in an order of its own; undefined
+  /// before.
   double* basis_values();
 
  private:

@@ -20,7 +20,9 @@ struct AlignedAllocator {
   void deallocate(Element* elements, std::size_t) { ::operator delete (elements, std::align_val_t{64}); }
   void construct(Element* element) { ::new (element) Element; }
   template <class... Values>
-  void construct(Element* element, const Values&... values) { ::new (element) Element(values...); }
+  void construct(Element* element, const Values&... values) {
+    ::new (element) Element(values...);
+  }
   bool operator==(const AlignedAllocator&) const = default;
 };
 

@@ -32,7 +32,7 @@ RowSweep::RowSweep(std::unique_ptr<RowTables> tables, const RowKernel& kernel, c
       j_count_(cube->npoints[1]),
       together_max_(1) {
   const RowPlan& plan = tables_->plan;
-  piece_.stride = (row_length_ + kernel_.tile_points + 7) / 8 * 8;
+  piece_.stride = (std::size_t{row_length_} + kernel_.tile_points + 7) / 8 * 8;
   const std::size_t field_count = plan.field == FieldKind::density_and_potential ? 2 : plan.orbital_count;
   piece_.row_stride = field_count * piece_.stride;
   // Of many fields the values of more rows are no longer in the cache when they are wanted. Of many orbitals

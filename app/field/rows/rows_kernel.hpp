@@ -176,7 +176,7 @@ class RowPass {
           continue;
         }
         weigh_points_of(in_reach_[n], tile, totals);
-        piece_.functions[weighed_count++] = radial;
+        piece_.functions[weighed_count++] = radial;  // there are no functions in it yet
         for (unsigned norm = 0; norm < 2; ++norm) {
           low[norm] = lowest(totals[norm][0]);
           for (const Real& total : totals[norm]) {
