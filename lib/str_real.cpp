@@ -225,7 +225,8 @@ bool str_scientific_sure(double value, double tolerance, char* text) {
     }
     const auto digits = static_cast<unsigned>(std::bit_cast<std::uint64_t>(shifted));
     if (digits < 1000000) {
-      std::memcpy(text, value < 0.0 ? " -" : "  ", 2);
+      text[0] = ' ';
+      text[1] = value < 0.0 ? '-' : ' ';
       std::memcpy(text + 2, &first_digits[digits / 1000], 4);
       std::memcpy(text + 6, &last_digits[digits % 1000], 4);
       std::memcpy(text + 9, binade.exponent[up], 4);
