@@ -211,6 +211,25 @@ TEST(Rows, LieOnAnyGridAlongTheAxes) {
   }
 }
 
+// Of rows that are weighed together, what counts in the first is next to nothing in the last, or the other
+// way round: steep functions, and those with a node in the row.
+TEST(Rows, WeighWhatComesToSomethingInAnyOfTheNeighbours) {
+  const SmallFchk fields = {
+      .atoms = {{3, {0, 0, 0}}},
+      .shells = {{1, 1, {400.0}, {1.0}, {}}, {0, 1, {400.0}, {1.0}, {}}, {1, 1, {0.5}, {1.0}, {}}}};
+  const auto molecule = read_text(fcheck_read, fchk_text(fields));
+  for (const double start : {0.0, -0.57}) {
+    const CubeDefinition cube = {{1, 8, 40}, {{0.01, start, -2}}, {{1, 0, 0}, {0, 0.19, 0}, {0, 0, 0.1}}};
+    with_every_kernel([&](const char*) {
+      Found found;
+      expect_within_tolerance(*molecule, cube, FieldKind::density_and_potential,
+                              occupation_of(molecule.get()).orbitals, &found);
+      expect_within_tolerance(*molecule, cube, FieldKind::orbital, {molecule->alpha_orbitals}, &found);
+      EXPECT_GT(found.known, 20 * found.unknown);
+    });
+  }
+}
+
 // A tile with next to nothing at one end, and at the other large functions that cancel.
 TEST(Rows, BoundEachPointByItself) {
   SmallFchk fields = {.electrons = 2, .alpha_electrons = 1, .beta_electrons = 1};
@@ -319,10 +338,12 @@ TEST(Rows, BoundWhatLargeArgumentsErr) {
   };
   const std::tuple<const char*, double, Part, double> rows[] = {
       {"arguments", 35.0, {0, 0, {}, {1.0}, 1e10}, 112.5 * rows_unit},
-      {"tail", 170.0, {4, 12, {}, {4e29}, 1e30}, 430.0 * rows_unit}};
+      {"tail", 170.0, {4, 12, {}, {4e29}, 1e30}, 430.0 * rows_unit},
+      {"by points", 350.0, {4, 12, {}, {4e29}, 1e30}, 800.0 * rows_unit}};
   for (const auto& [name, argument, part, least] : rows) {
     SCOPED_TRACE(name);
-    CubeDefinition cube = {{1, 1, 16}, {}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.001}}};
+    // The same row twice: then it is weighed by points.
+    CubeDefinition cube = {{1, 2, 16}, {}, {{1, 0, 0}, {0, 0, 0}, {0, 0, 0.001}}};
     Part worst = part;
     double difference = 0.0;
     for (int trial = 0; trial < 3000000; ++trial) {
