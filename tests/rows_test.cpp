@@ -339,7 +339,7 @@ TEST(Rows, BoundWhatLargeArgumentsErr) {
   const std::tuple<const char*, double, Part, double> rows[] = {
       {"arguments", 35.0, {0, 0, {}, {1.0}, 1e10}, 112.5 * rows_unit},
       {"tail", 170.0, {4, 12, {}, {4e29}, 1e30}, 430.0 * rows_unit},
-      {"by points", 350.0, {4, 12, {}, {4e29}, 1e30}, 800.0 * rows_unit}};
+      {"by points", 350.0, {4, 12, {}, {4e28}, 1e30}, 800.0 * rows_unit}};
   for (const auto& [name, argument, part, least] : rows) {
     SCOPED_TRACE(name);
     // The same row twice: then it is weighed by points.
