@@ -214,9 +214,10 @@ TEST(Rows, LieOnAnyGridAlongTheAxes) {
 // Of rows that are weighed together, what counts in the first is next to nothing in the last, or the other
 // way round: steep functions, and those with a node in the row.
 TEST(Rows, WeighWhatComesToSomethingInAnyOfTheNeighbours) {
-  const SmallFchk fields = {
+  SmallFchk fields = {
       .atoms = {{3, {0, 0, 0}}},
       .shells = {{1, 1, {400.0}, {1.0}, {}}, {0, 1, {400.0}, {1.0}, {}}, {1, 1, {0.5}, {1.0}, {}}}};
+  fields.coefficient = [](unsigned, unsigned j) { return j == 3 || j == 5 ? 1.0 : 0.0; };  // s and y
   const auto molecule = read_text(fcheck_read, fchk_text(fields));
   for (const double start : {0.0, -0.57}) {
     const CubeDefinition cube = {{1, 8, 40}, {{0.01, start, -2}}, {{1, 0, 0}, {0, 0.19, 0}, {0, 0, 0.1}}};
@@ -389,7 +390,7 @@ TEST(Rows, BoundOrbitalsInEachTile) {
   });
 }
 
-// A point of each grid is made to have a density that is a tie of two texts.
+// A point of each grid, in its second row, is made to have a density that is a tie of two texts.
 TEST(Rows, LeaveTiesToTheExactSweep) {
   std::mt19937_64 random(12);
   Found found;
@@ -397,13 +398,17 @@ TEST(Rows, LeaveTiesToTheExactSweep) {
   for (int trial = 0; trial < 25; ++trial) {
     SmallFchk fields = strained(random);
     CubeDefinition cube = random_grid(random);
-    std::ranges::copy(std::array{1U, 1U, 16U}, cube.npoints);
+    std::ranges::copy(std::array{1U, 3U, 16U}, cube.npoints);
+    std::ranges::transform(cube.vectors[1], cube.vectors[1], [](double step) { return 0.1 * step; });
+    double point[3];
+    for (unsigned c = 0; c < 3; ++c) {
+      point[c] = cube_coordinate(&cube, 0, 1, 0, c);
+    }
     double factor = 1.0;
     fields.coefficient = [&, made_up = fields.coefficient](unsigned i, unsigned j) {
       return factor * made_up(i, j);
     };
-    const double value =
-        exact_values(*read_text(fcheck_read, fchk_text(fields)), cube.points[0], field, {})[0];
+    const double value = exact_values(*read_text(fcheck_read, fchk_text(fields)), point, field, {})[0];
     const double unit = std::pow(10.0, std::floor(std::log10(value)) - 5.0);
     factor = std::sqrt((std::floor(value / unit) + 0.5) * unit / value);
     const auto molecule = read_text(fcheck_read, fchk_text(fields));
