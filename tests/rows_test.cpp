@@ -226,7 +226,7 @@ TEST(Rows, WeighWhatComesToSomethingInAnyOfTheNeighbours) {
       expect_within_tolerance(*molecule, cube, FieldKind::density_and_potential,
                               occupation_of(molecule.get()).orbitals, &found);
       expect_within_tolerance(*molecule, cube, FieldKind::orbital, {molecule->alpha_orbitals}, &found);
-      EXPECT_GT(found.known, 20 * found.unknown);
+      EXPECT_GT(found.known, 2 * found.unknown);
     });
   }
 }
