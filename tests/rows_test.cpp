@@ -231,6 +231,20 @@ TEST(Rows, WeighWhatComesToSomethingInAnyOfTheNeighbours) {
   }
 }
 
+// One end of a long row is in sight, but not of the next row.
+TEST(Rows, KeepNothingOfAnEarlierRow) {
+  const SmallFchk fields = {.atoms = {{3, {0, 0, 0}}, {1, {0, 0, 20}}},
+                            .shells = {{0, 1, {0.5}, {1.0}, {}}, {0, 2, {8.0}, {1.0}, {}}}};
+  const auto molecule = read_text(fcheck_read, fchk_text(fields));
+  const CubeDefinition cube = {{1, 4, 350}, {{0.1, -6, -25}}, {{1, 0, 0}, {0, 6, 0}, {0, 0, 0.2}}};
+  with_every_kernel([&](const char*) {
+    Found found;
+    expect_within_tolerance(*molecule, cube, FieldKind::density_and_potential,
+                            occupation_of(molecule.get()).orbitals, &found);
+    EXPECT_GT(2 * found.known, found.unknown);
+  });
+}
+
 // A tile with next to nothing at one end, and at the other large functions that cancel.
 TEST(Rows, BoundEachPointByItself) {
   SmallFchk fields = {.electrons = 2, .alpha_electrons = 1, .beta_electrons = 1};
