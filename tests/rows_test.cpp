@@ -290,21 +290,31 @@ TEST(Rows, CountCoefficientsThatAreNextToNothing) {
 }
 
 // Many functions, each too small to be kept, which together are more than all rounding, in an orbital that
-// counts for the potential only.
+// counts for the potential only. Behind a row that is far away, rows are weighed by points, the last
+// functions first.
 TEST(Rows, CountWhatTheyLeaveOutOfThePotential) {
-  SmallFchk fields;
-  for (unsigned i = 0; i < 300; ++i) {
-    fields.shells.push_back({0, 1, {1.0 + 0.001 * i}, {1.0}, {}});
+  for (const bool is_last : {false, true}) {
+    SmallFchk fields;
+    const std::size_t place = is_last ? fields.shells.size() : 0;
+    for (unsigned i = 0; i < 300; ++i) {
+      fields.shells.insert(fields.shells.end() - static_cast<std::ptrdiff_t>(place),
+                           {0, 1, {1.0 + 0.001 * i}, {1.0}, {}});
+    }
+    fields.coefficient = [&](unsigned i, unsigned j) {
+      return (is_last ? j < 300 : j >= 5) ? 1e-14 : i == 0 ? 1.0 : 0.0;
+    };
+    fields.energy = [](unsigned i) { return i == 0 ? -1e-3 : -1e20; };
+    const auto molecule = read_text(fcheck_read, fchk_text(fields));
+    for (const unsigned row_count : {1U, 2U}) {
+      const CubeDefinition cube = {
+          {1, row_count, 40}, {{0.1, 30.2 - 30.0 * row_count, -2}}, {{1, 0, 0}, {0, 30, 0}, {0, 0, 0.1}}};
+      with_every_kernel([&](const char*) {
+        Found found;
+        expect_within_tolerance(*molecule, cube, FieldKind::density_and_potential,
+                                occupation_of(molecule.get()).orbitals, &found);
+      });
+    }
   }
-  fields.coefficient = [](unsigned i, unsigned j) { return j >= 5 ? 1e-14 : i == 0 ? 1.0 : 0.0; };
-  fields.energy = [](unsigned i) { return i == 0 ? -1e-3 : -1e20; };
-  const auto molecule = read_text(fcheck_read, fchk_text(fields));
-  const CubeDefinition cube = {{1, 1, 40}, {{0.1, 0.2, -2}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.1}}};
-  with_every_kernel([&](const char*) {
-    Found found;
-    expect_within_tolerance(*molecule, cube, FieldKind::density_and_potential,
-                            occupation_of(molecule.get()).orbitals, &found);
-  });
 }
 
 // Sums in which all roundings of one kind go the same way. What is added to a large number is just below or
