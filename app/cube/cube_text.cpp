@@ -1,7 +1,6 @@
 #include "app/cube/cube_text.hpp"
 
 #include <algorithm>
-#include <utility>
 
 #include "lib/str_real.hpp"
 
